@@ -1,0 +1,170 @@
+#include "graph/wide_text.h"
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+namespace orvane {
+
+#ifdef _WIN32
+
+std::string ToUtf8(std::u16string_view text) {
+  if (text.empty()) return {};
+  auto wide = reinterpret_cast<const wchar_t*>(text.data());
+  int length = static_cast<int>(text.size());
+  int size = WideCharToMultiByte(CP_UTF8, 0, wide, length, nullptr, 0, nullptr, nullptr);
+  std::string out(static_cast<size_t>(size), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, wide, length, out.data(), size, nullptr, nullptr);
+  return out;
+}
+
+std::u16string FromUtf8(std::string_view bytes) {
+  if (bytes.empty()) return {};
+  int length = static_cast<int>(bytes.size());
+  int size = MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, nullptr, 0);
+  std::u16string out(static_cast<size_t>(size), u'\0');
+  MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, reinterpret_cast<wchar_t*>(out.data()),
+                      size);
+  return out;
+}
+
+#else
+
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+void AppendUtf8(std::string& out, char32_t code) {
+  if (code < 0x80) {
+    out += static_cast<char>(code);
+  } else if (code < 0x800) {
+    out += static_cast<char>(0xC0 | (code >> 6));
+    out += static_cast<char>(0x80 | (code & 0x3F));
+  } else if (code < 0x10000) {
+    out += static_cast<char>(0xE0 | (code >> 12));
+    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (code & 0x3F));
+  } else {
+    out += static_cast<char>(0xF0 | (code >> 18));
+    out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
+    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (code & 0x3F));
+  }
+}
+
+void AppendUtf16(std::u16string& out, char32_t code) {
+  if (code < 0x10000) {
+    out += static_cast<char16_t>(code);
+  } else {
+    code -= 0x10000;
+    out += static_cast<char16_t>(0xD800 + (code >> 10));
+    out += static_cast<char16_t>(0xDC00 + (code & 0x3FF));
+  }
+}
+
+// The allowed range of the second byte of a sequence depends on its lead byte (this is what
+// rules out overlong forms, surrogates and code points above U+10FFFF); later bytes are
+// plain continuation bytes.
+struct LeadInfo {
+  int length;  // 0 for a byte that cannot start a sequence
+  unsigned char secondLow, secondHigh;
+};
+
+LeadInfo ClassifyLead(unsigned char lead) {
+  if (lead >= 0xC2 && lead <= 0xDF) return {2, 0x80, 0xBF};
+  if (lead == 0xE0) return {3, 0xA0, 0xBF};
+  if (lead == 0xED) return {3, 0x80, 0x9F};
+  if (lead >= 0xE1 && lead <= 0xEF) return {3, 0x80, 0xBF};
+  if (lead == 0xF0) return {4, 0x90, 0xBF};
+  if (lead == 0xF4) return {4, 0x80, 0x8F};
+  if (lead >= 0xF1 && lead <= 0xF3) return {4, 0x80, 0xBF};
+  return {0, 0, 0};
+}
+
+}  // namespace
+
+std::string ToUtf8(std::u16string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (size_t i = 0; i < text.size(); ++i) {
+    char16_t unit = text[i];
+    if (unit < 0x80) {
+      out += static_cast<char>(unit);
+    } else if (IsHighSurrogate(unit) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+      char32_t code = 0x10000 + ((char32_t{unit} - 0xD800) << 10) + (text[i + 1] - 0xDC00);
+      AppendUtf8(out, code);
+      ++i;
+    } else if (IsHighSurrogate(unit) || IsLowSurrogate(unit)) {
+      AppendUtf8(out, kReplacement);
+    } else {
+      AppendUtf8(out, unit);
+    }
+  }
+  return out;
+}
+
+// A sequence that breaks off early is replaced by one U+FFFD for its well-formed start (the
+// "maximal subpart"), and decoding resumes at the byte that broke it.
+std::u16string FromUtf8(std::string_view bytes) {
+  std::u16string out;
+  out.reserve(bytes.size());
+  size_t i = 0;
+  while (i < bytes.size()) {
+    auto lead = static_cast<unsigned char>(bytes[i]);
+    if (lead < 0x80) {
+      out += static_cast<char16_t>(lead);
+      ++i;
+      continue;
+    }
+    LeadInfo info = ClassifyLead(lead);
+    if (info.length == 0) {
+      out += static_cast<char16_t>(kReplacement);
+      ++i;
+      continue;
+    }
+    char32_t code = lead & (0x7F >> info.length);
+    size_t consumed = 1;
+    bool complete = true;
+    for (int k = 1; k < info.length; ++k) {
+      if (i + consumed >= bytes.size()) {
+        complete = false;
+        break;
+      }
+      auto next = static_cast<unsigned char>(bytes[i + consumed]);
+      unsigned char low = k == 1 ? info.secondLow : 0x80;
+      unsigned char high = k == 1 ? info.secondHigh : 0xBF;
+      if (next < low || next > high) {
+        complete = false;
+        break;
+      }
+      code = (code << 6) | (next & 0x3F);
+      ++consumed;
+    }
+    if (complete) {
+      AppendUtf16(out, code);
+    } else {
+      out += static_cast<char16_t>(kReplacement);
+    }
+    i += consumed;
+  }
+  return out;
+}
+
+#endif
+
+std::u16string TrimWhitespace(std::u16string_view text) {
+  constexpr std::u16string_view kBlanks = u" \t\r\n";
+  size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::u16string_view::npos) return {};
+  size_t last = text.find_last_not_of(kBlanks);
+  return std::u16string(text.substr(first, last - first + 1));
+}
+
+std::u16string AsciiToWide(std::string_view ascii) {
+  return std::u16string(ascii.begin(), ascii.end());
+}
+
+}  // namespace orvane

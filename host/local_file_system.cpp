@@ -1,0 +1,83 @@
+#include "host/local_file_system.h"
+
+#include <fstream>
+#include <system_error>
+
+#include "graph/wide_text.h"
+
+namespace orvane::host {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::u16string FoldAsciiCase(std::u16string_view text) {
+  std::u16string folded(text);
+  for (char16_t& c : folded) {
+    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + (u'a' - u'A'));
+  }
+  return folded;
+}
+
+}  // namespace
+
+void LocalFileSystem::AddAlias(std::u16string_view hostPath, fs::path localPath) {
+  aliases_[FoldAsciiCase(hostPath)] = std::move(localPath);
+}
+
+fs::path LocalFileSystem::ToLocalPath(std::u16string_view hostPath) const {
+  auto alias = aliases_.find(FoldAsciiCase(hostPath));
+  if (alias != aliases_.end()) return alias->second;
+#ifdef _WIN32
+  return fs::path(std::u16string(hostPath));
+#else
+  std::string local = ToUtf8(hostPath);
+  for (char& c : local) {
+    if (c == '\\') c = '/';
+  }
+  return fs::path(local);
+#endif
+}
+
+bool LocalFileSystem::Exists(std::u16string_view path) const {
+  std::error_code error;
+  return !path.empty() && fs::exists(ToLocalPath(path), error);
+}
+
+std::optional<std::string> LocalFileSystem::ReadBytes(std::u16string_view path,
+                                                      uint64_t maxBytes) const {
+  std::ifstream in(ToLocalPath(path), std::ios::binary | std::ios::ate);
+  if (!in) return std::nullopt;
+  auto size = static_cast<uint64_t>(in.tellg());
+  if (size > maxBytes) return std::nullopt;
+  std::string bytes(size, '\0');
+  in.seekg(0);
+  if (!in.read(bytes.data(), static_cast<std::streamsize>(size))) return std::nullopt;
+  return bytes;
+}
+
+bool LocalFileSystem::WriteBytes(std::u16string_view path, std::string_view bytes) {
+  std::ofstream out(ToLocalPath(path), std::ios::binary | std::ios::trunc);
+  if (!out) return false;
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  out.close();
+  return !out.fail();
+}
+
+bool LocalFileSystem::CreateDirectory(std::u16string_view path) {
+  std::error_code error;
+  return fs::create_directory(ToLocalPath(path), error);
+}
+
+bool LocalFileSystem::CopyFile(std::u16string_view from, std::u16string_view to) {
+  std::error_code error;
+  return fs::copy_file(ToLocalPath(from), ToLocalPath(to), fs::copy_options::overwrite_existing,
+                       error);
+}
+
+bool LocalFileSystem::DeleteFile(std::u16string_view path) {
+  std::error_code error;
+  return fs::remove(ToLocalPath(path), error);
+}
+
+}  // namespace orvane::host

@@ -1,0 +1,366 @@
+#include "host/memory/memory_scene.h"
+
+#include <algorithm>
+
+namespace orvane::host::memory {
+
+namespace {
+
+bool IsTable(ParamType2 type) { return (type & TYPE_TAB) != 0; }
+
+}  // namespace
+
+// --- MemParamBlock ---
+
+std::optional<std::u16string_view> MemParamBlock::GetParamName(int index) const {
+  if (index < 0 || index >= Count() || !params[static_cast<size_t>(index)].name) {
+    return std::nullopt;
+  }
+  return std::u16string_view(*params[static_cast<size_t>(index)].name);
+}
+
+ParamType2 MemParamBlock::GetParamType(int index) const {
+  return params.at(static_cast<size_t>(index)).type;
+}
+
+int MemParamBlock::Count(int index) const {
+  if (index < 0 || index >= Count()) return 0;
+  const MemParam& param = params[static_cast<size_t>(index)];
+  return IsTable(param.type) ? static_cast<int>(param.elements.size()) : 0;
+}
+
+template <class T>
+bool MemParamBlock::Read(int index, int tabIndex, T& value) const {
+  if (index < 0 || index >= Count()) return false;
+  const MemParam& param = params[static_cast<size_t>(index)];
+  if (!IsTable(param.type) && tabIndex != 0) return false;
+  if (tabIndex < 0 || tabIndex >= static_cast<int>(param.elements.size())) return false;
+  const auto* element = std::get_if<T>(&param.elements[static_cast<size_t>(tabIndex)]);
+  if (element == nullptr) return false;
+  value = *element;
+  return true;
+}
+
+bool MemParamBlock::GetFloat(int index, TimeValue, float& value, int tabIndex) const {
+  return Read(index, tabIndex, value);
+}
+bool MemParamBlock::GetInt(int index, TimeValue, int& value, int tabIndex) const {
+  return Read(index, tabIndex, value);
+}
+bool MemParamBlock::GetColor(int index, TimeValue, Color& value, int tabIndex) const {
+  return Read(index, tabIndex, value);
+}
+bool MemParamBlock::GetPoint3(int index, TimeValue, Point3& value, int tabIndex) const {
+  return Read(index, tabIndex, value);
+}
+bool MemParamBlock::GetString(int index, TimeValue, std::optional<std::u16string>& value,
+                              int tabIndex) const {
+  return Read(index, tabIndex, value);
+}
+bool MemParamBlock::GetReference(int index, TimeValue, Animatable*& value, int tabIndex) const {
+  return Read(index, tabIndex, value);
+}
+
+// --- Materials and maps ---
+
+Mtl* MemMtl::GetSubMtl(int index) const {
+  if (index < 0 || index >= NumSubMtls()) return nullptr;
+  return subMaterials[static_cast<size_t>(index)];
+}
+
+float MemMtl::GetTexmapAmt(int slotIndex, TimeValue) const {
+  return InRange(slotIndex) ? slots[static_cast<size_t>(slotIndex)].amount : 0.0f;
+}
+
+bool MemMtl::MapEnabled(int slotIndex) const {
+  return InRange(slotIndex) && slots[static_cast<size_t>(slotIndex)].enabled;
+}
+
+float MemCurve::GetValue(TimeValue, float x) const {
+  if (points.empty()) return 0;
+  if (x <= points.front().first) return points.front().second;
+  for (size_t i = 1; i < points.size(); ++i) {
+    auto [x1, y1] = points[i];
+    if (x <= x1) {
+      auto [x0, y0] = points[i - 1];
+      return x1 == x0 ? y1 : y0 + (y1 - y0) * (x - x0) / (x1 - x0);
+    }
+  }
+  return points.back().second;
+}
+
+ICurve* MemCurveCtl::GetControlCurve(int index) const {
+  if (index < 0 || index >= GetNumCurves()) return nullptr;
+  return curves[static_cast<size_t>(index)].get();
+}
+
+bool MemTexmap::GetBitmapGamma(TimeValue, float& gamma) const {
+  if (!bitmap || !bitmap->loadedGamma) return false;
+  gamma = *bitmap->loadedGamma;
+  return true;
+}
+
+StdUVGen* MemTexmap::GetUVGen() const {
+  return bitmap && bitmap->uvGen ? const_cast<MemTexmap*>(this) : nullptr;
+}
+
+// --- Meshes and objects ---
+
+void MemMesh::SetNumVertCol(int count) { vertexColors.resize(static_cast<size_t>(count)); }
+void MemMesh::SetVertCol(int index, Point3 color) {
+  vertexColors.at(static_cast<size_t>(index)) = color;
+}
+void MemMesh::SetNumVCFaces(int count) { colorFaces.resize(static_cast<size_t>(count)); }
+void MemMesh::SetVCFace(int face, std::array<int, 3> colorIndices) {
+  colorFaces.at(static_cast<size_t>(face)) = colorIndices;
+}
+
+TriObject* MemObject::ConvertToTriObject(TimeValue) {
+  if (!mesh) return nullptr;
+  if (isTriObject) return this;
+  return &scene->AddConvertedObject(*this);
+}
+
+void MemObject::DeleteThis() { scene->DeleteObject(*this); }
+
+Modifier* MemDerivedObject::GetModifier(int index) const {
+  if (index < 0 || index >= NumModifiers()) return nullptr;
+  return modifiers[static_cast<size_t>(index)];
+}
+
+// --- Nodes ---
+
+void MemNode::SetName(std::u16string_view newName) {
+  scene->RecordRename(data, name, newName);
+  name = newName;
+}
+
+INode* MemNode::GetChildNode(int index) const {
+  if (index < 0 || index >= NumberOfChildren()) return nullptr;
+  return children[static_cast<size_t>(index)];
+}
+
+void MemNode::SetObjectRef(Object* object) {
+  scene->RecordObjectReplacement(*this, object);
+  objectRef = object;
+  worldStateOverride.reset();
+}
+
+Object* MemNode::EvalWorldState(TimeValue) {
+  if (worldStateOverride) return *worldStateOverride;
+  Object* object = objectRef;
+  // The loader rejects cyclic stacks, so this ends.
+  while (object != nullptr && object->AsDerivedObject() != nullptr) {
+    object = object->AsDerivedObject()->GetObjRef();
+  }
+  return object;
+}
+
+// --- The scene ---
+
+MemScene::MemScene() {
+  MemNode& root = AddNode("");
+  root.name = u"Scene Root";
+  root.data.className = u"RootNode";
+  root_ = &root;
+}
+
+double MemScene::GetSystemUnitScale(UnitType unitType) const {
+  static constexpr double kMetresPerUnit[] = {0.0254, 0.3048, 1609.344, 0.001, 0.01, 1.0, 1000.0};
+  // A broken unit setting is passed on as the host would report it.
+  if (metresPerUnit <= 0 || unitType < UNITS_INCHES || unitType > UNITS_KILOMETERS) {
+    return metresPerUnit;
+  }
+  return metresPerUnit / kMetresPerUnit[unitType];
+}
+
+std::u16string MemScene::GetDir(DirectoryCode which) const {
+  return which == APP_PLUGCFG_DIR ? settingsDirectory : std::u16string();
+}
+
+bool MemScene::ExportToFile(std::u16string_view path, bool) {
+  bool succeeded = false;
+  switch (exportBehaviour) {
+    case ExportBehaviour::kWrites:
+      succeeded = files.WriteBytes(path, "Orvane in-memory host: scene export placeholder\n");
+      break;
+    case ExportBehaviour::kFails:
+      break;
+    case ExportBehaviour::kWritesNothing:
+      succeeded = true;
+      break;
+  }
+  exports.push_back({std::u16string(path), succeeded});
+  return succeeded;
+}
+
+ScriptResult MemScene::ExecuteMAXScriptScript(std::u16string_view script, bool quietErrors,
+                                              bool wantResult) {
+  scriptsRun.push_back({std::u16string(script), quietErrors, wantResult});
+  for (const ScriptRule& rule : scriptRules) {
+    bool matches = std::all_of(rule.contains.begin(), rule.contains.end(),
+                               [&](const std::u16string& part) {
+                                 return script.find(part) != std::u16string_view::npos;
+                               });
+    if (!matches) continue;
+    if (rule.fails) return {false, std::nullopt};
+    return {true, wantResult ? rule.reply : std::nullopt};
+  }
+  // A script the scene has no answer for runs and yields nothing usable, like an undefined value.
+  return {true, std::nullopt};
+}
+
+Animatable* MemScene::GetAnimByHandle(AnimHandle handle) {
+  auto found = byHandle_.find(handle);
+  return found == byHandle_.end() ? nullptr : found->second;
+}
+
+IFileResolutionManager* MemScene::GetFileResolutionManager() {
+  return fileResolution ? this : nullptr;
+}
+
+std::u16string MemScene::GetFullFilePath(std::u16string_view path, AssetType type) const {
+  for (const FileResolutionAnswer& answer : *fileResolution) {
+    if (answer.path == path && answer.assetType == type) return answer.answer;
+  }
+  return {};
+}
+
+void MemScene::Log(LogType type, std::u16string_view title, std::u16string_view text) {
+  log.push_back({type, std::u16string(title), std::u16string(text)});
+}
+
+template <class T>
+T& MemScene::Register(std::vector<std::unique_ptr<T>>& list, std::string id) {
+  auto& item = list.emplace_back(std::make_unique<T>());
+  item->data.id = std::move(id);
+  if (!item->data.id.empty()) byId_[item->data.id] = item.get();
+  return *item;
+}
+
+MemNode& MemScene::AddNode(std::string id) {
+  MemNode& node = Register(nodes_, std::move(id));
+  node.scene = this;
+  return node;
+}
+
+MemObject& MemScene::AddObject(std::string id) {
+  MemObject& object = Register(objects_, std::move(id));
+  object.scene = this;
+  return object;
+}
+
+MemDerivedObject& MemScene::AddDerivedObject(std::string id) {
+  MemDerivedObject& object = Register(derivedObjects_, std::move(id));
+  object.data.superClassId = GEN_DERIVOB_CLASS_ID;
+  return object;
+}
+
+MemModifier& MemScene::AddModifier(std::string id) { return Register(modifiers_, std::move(id)); }
+
+MemMtl& MemScene::AddMaterial(std::string id) {
+  MemMtl& material = Register(materials_, std::move(id));
+  material.scene = this;
+  material.data.superClassId = MATERIAL_CLASS_ID;
+  return material;
+}
+
+MemTexmap& MemScene::AddMap(std::string id) {
+  MemTexmap& map = Register(maps_, std::move(id));
+  map.scene = this;
+  map.data.superClassId = TEXMAP_CLASS_ID;
+  return map;
+}
+
+Animatable* MemScene::FindById(const std::string& id) const {
+  auto found = byId_.find(id);
+  return found == byId_.end() ? nullptr : found->second;
+}
+
+namespace {
+
+template <class List, class Visit>
+void ForEachData(List& list, Visit visit) {
+  for (auto& item : list) visit(item->data, *item);
+}
+
+}  // namespace
+
+void MemScene::AssignMissingHandles() {
+  AnimHandle next = 1;
+  auto assign = [&](AnimatableData& data, Animatable&) {
+    if (data.handle != 0) return;
+    while (byHandle_.count(next) != 0) ++next;
+    data.handle = next++;
+  };
+  IndexHandles();
+  ForEachData(nodes_, assign);
+  ForEachData(objects_, assign);
+  ForEachData(derivedObjects_, assign);
+  ForEachData(modifiers_, assign);
+  ForEachData(materials_, assign);
+  ForEachData(maps_, assign);
+  IndexHandles();
+}
+
+void MemScene::IndexHandles() {
+  byHandle_.clear();
+  auto index = [&](AnimatableData& data, Animatable& animatable) {
+    if (data.handle != 0) byHandle_[data.handle] = &animatable;
+  };
+  ForEachData(nodes_, index);
+  ForEachData(objects_, index);
+  ForEachData(derivedObjects_, index);
+  ForEachData(modifiers_, index);
+  ForEachData(materials_, index);
+  ForEachData(maps_, index);
+}
+
+const AnimatableData* MemScene::DataOf(const Animatable* animatable) {
+  if (auto* node = dynamic_cast<const MemNode*>(animatable)) return &node->data;
+  if (auto* object = dynamic_cast<const MemObject*>(animatable)) return &object->data;
+  if (auto* derived = dynamic_cast<const MemDerivedObject*>(animatable)) return &derived->data;
+  if (auto* modifier = dynamic_cast<const MemModifier*>(animatable)) return &modifier->data;
+  if (auto* material = dynamic_cast<const MemMtl*>(animatable)) return &material->data;
+  if (auto* map = dynamic_cast<const MemTexmap*>(animatable)) return &map->data;
+  return nullptr;
+}
+
+void MemScene::RecordRename(const AnimatableData& data, std::u16string_view oldName,
+                            std::u16string_view newName) {
+  renames.push_back({data.id, std::u16string(oldName), std::u16string(newName)});
+}
+
+void MemScene::RecordObjectReplacement(const MemNode& node, const Object* object) {
+  const AnimatableData* data = DataOf(object);
+  objectReplacements.push_back({node.data.id, data != nullptr ? data->id : std::string()});
+}
+
+MemObject& MemScene::AddConvertedObject(const MemObject& from) {
+  std::string id;
+  do {
+    id = "converted-" + std::to_string(++convertedCount_);
+  } while (byId_.count(id) != 0);
+  MemObject& converted = AddObject(std::move(id));
+  converted.data.className = u"Editable Mesh";
+  converted.data.classId = Class_ID{0x0009, 0};
+  converted.data.superClassId = GEOMOBJECT_CLASS_ID;
+  converted.mesh = from.mesh;
+  converted.isTriObject = true;
+  AnimHandle next = 1;
+  while (byHandle_.count(next) != 0) ++next;
+  converted.data.handle = next;
+  byHandle_[next] = &converted;
+  return converted;
+}
+
+void MemScene::DeleteObject(const MemObject& object) {
+  auto found = std::find_if(objects_.begin(), objects_.end(),
+                            [&](const auto& item) { return item.get() == &object; });
+  if (found == objects_.end()) return;
+  byHandle_.erase(object.data.handle);
+  byId_.erase(object.data.id);
+  objects_.erase(found);
+}
+
+}  // namespace orvane::host::memory

@@ -6,6 +6,7 @@
 #include <set>
 #include <sstream>
 #include <stdexcept>
+#include <unordered_map>
 
 #include "graph/wide_text.h"
 #include "host/memory/scene_file.h"
@@ -81,6 +82,11 @@ std::u16string ReadText(const json& value, const std::string& path) {
 bool ReadBool(const json& value, const std::string& path) {
   if (!value.is_boolean()) Fail(path, "expected true or false");
   return value.get<bool>();
+}
+
+double ReadDouble(const json& value, const std::string& path) {
+  if (!value.is_number()) Fail(path, "expected a number");
+  return value.get<double>();
 }
 
 // JSON has no infinities or NaN; the scene file writes them as "inf", "-inf" and "nan".
@@ -262,7 +268,7 @@ class Loader {
 
   void ReadSettings(const Fields& top) {
     if (const json* time = top.Find("time")) scene_->time = ReadInt(*time, "time");
-    if (const json* scale = top.Find("unitScale")) scene_->metresPerUnit = ReadFloat(*scale, "unitScale");
+    if (const json* scale = top.Find("unitScale")) scene_->metresPerUnit = ReadDouble(*scale, "unitScale");
     if (const json* file = top.Find("file")) {
       Fields fields(*file, "file", {"name", "path"});
       if (const json* name = fields.Find("name")) scene_->fileName = ReadText(*name, fields.PathOf("name"));
@@ -552,7 +558,7 @@ class Loader {
         Fail(facePath, "expected [a, b, c] or [a, b, c, materialId]");
       }
       MeshFace meshFace;
-      meshFace.v = ReadIndices(face, facePath, mesh.vertices.size(), "vertex");
+      meshFace.v = ReadIndices(face, facePath, mesh.vertices.size(), "vertex", "vertices");
       if (face.size() == 4) meshFace.matId = static_cast<uint16_t>(ReadInteger(face[3], Element(facePath, 3), 0, 65535));
       mesh.faces.push_back(meshFace);
     }
@@ -562,7 +568,7 @@ class Loader {
       for (size_t f = 0; f < colorFaces->size(); ++f) {
         std::string facePath = Element(fields.PathOf("colorFaces"), f);
         if (!(*colorFaces)[f].is_array() || (*colorFaces)[f].size() != 3) Fail(facePath, "expected [a, b, c]");
-        mesh.colorFaces.push_back(ReadIndices((*colorFaces)[f], facePath, mesh.vertexColors.size(), "vertex colour"));
+        mesh.colorFaces.push_back(ReadIndices((*colorFaces)[f], facePath, mesh.vertexColors.size(), "vertex colour", "vertex colours"));
       }
     }
     return mesh;
@@ -579,13 +585,13 @@ class Loader {
   }
 
   std::array<int, 3> ReadIndices(const json& face, const std::string& path, size_t count,
-                                 const std::string& what) {
+                                 const std::string& what, const std::string& plural) {
     std::array<int, 3> indices{};
     for (size_t k = 0; k < 3; ++k) {
       int64_t index = ReadInteger(face[k], Element(path, k), 0, std::numeric_limits<int32_t>::max());
       if (static_cast<size_t>(index) >= count) {
         Fail(Element(path, k), what + " index " + std::to_string(index) + " is out of range (" +
-                                   std::to_string(count) + " " + what + "s)");
+                                   std::to_string(count) + " " + plural + ")");
       }
       indices[k] = static_cast<int>(index);
     }
@@ -696,30 +702,43 @@ class Loader {
     return Resolve<Texmap>(value, path, "map");
   }
 
-  void CheckHierarchy() {
-    size_t limit = nodes_.size();
-    for (auto& [fields, node] : nodes_) {
-      const MemNode* current = node->parent;
-      for (size_t steps = 0; current != nullptr; ++steps) {
-        if (current == node || steps > limit) {
-          Fail(fields->PathOf("parent"), "the node hierarchy has a cycle through \"" + node->data.id + "\"");
+  // Follows each chain once: a link already known to lead out ends the walk, so the check stays
+  // linear however long the chains are.
+  template <class Link, class T, class Next>
+  void CheckChains(const Declared<T>& declared, Next next, const std::string& key,
+                   const std::string& what) {
+    std::unordered_map<Link, bool> leadsOut;  // false while the link is on the current path
+    for (const auto& [fields, start] : declared) {
+      std::vector<Link> path;
+      for (Link link = start; link != nullptr; link = next(link)) {
+        auto known = leadsOut.find(link);
+        if (known != leadsOut.end()) {
+          if (!known->second) {
+            Fail(fields->PathOf(key), "the " + what + " has a cycle through \"" + start->data.id + "\"");
+          }
+          break;
         }
-        current = current->parent;
+        leadsOut.emplace(link, false);
+        path.push_back(link);
       }
+      for (Link link : path) leadsOut[link] = true;
     }
   }
 
+  void CheckHierarchy() {
+    CheckChains<const MemNode*>(
+        nodes_, [](const MemNode* node) -> const MemNode* { return node->parent; }, "parent",
+        "node hierarchy");
+  }
+
   void CheckModifierStacks() {
-    size_t limit = derived_.size();
-    for (auto& [fields, object] : derived_) {
-      Object* current = object->objRef;
-      for (size_t steps = 0; current != nullptr && current->AsDerivedObject() != nullptr; ++steps) {
-        if (current == object || steps > limit) {
-          Fail(fields->PathOf("derived") + ".object", "the modifier stack has a cycle through \"" + object->data.id + "\"");
-        }
-        current = current->AsDerivedObject()->GetObjRef();
-      }
-    }
+    CheckChains<Object*>(
+        derived_,
+        [](Object* object) -> Object* {
+          IDerivedObject* derived = object->AsDerivedObject();
+          return derived != nullptr ? derived->GetObjRef() : nullptr;
+        },
+        "derived", "modifier stack");
   }
 
   void CheckHandles() {

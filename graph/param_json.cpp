@@ -12,8 +12,12 @@ std::u16string FormatParamValueJson(const ParamValue& value) {
       return AsciiToWide(std::to_string(value.intValue));
     case ParamKind::kBool:
       return FormatJsonBool(value.boolValue);
-    case ParamKind::kString:
-      return u"\"" + EscapeJsonString(value.text) + u"\"";
+    case ParamKind::kString: {
+      std::u16string quoted = u"\"";
+      quoted += EscapeJsonString(value.text);
+      quoted += u'"';
+      return quoted;
+    }
     case ParamKind::kColor:
       return FormatJsonColor(value.color);
     case ParamKind::kPoint3:

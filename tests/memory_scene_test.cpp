@@ -91,6 +91,7 @@ TEST(MemoryScene, FileResolutionAnswersByPathAndAssetType) {
   EXPECT_EQ(resolver->GetFullFilePath(u"lamp.ies", kBitmapAsset), u"C:\\maps\\lamp.ies");
   EXPECT_EQ(resolver->GetFullFilePath(u"other.ies", kBitmapAsset), u"");
   EXPECT_EQ(Load(R"("fileResolution": null)")->GetFileResolutionManager(), nullptr);
+  EXPECT_NE(Load("")->GetFileResolutionManager(), nullptr);  // the host normally has one
 }
 
 TEST(MemoryScene, SceneFilesMapHostPathsToFilesBesideThem) {

@@ -355,7 +355,8 @@ class MemScene final : public Interface, public IFileResolutionManager {
   bool useEnvironmentMap = false;
   Texmap* environmentMap = nullptr;
   std::vector<ScriptRule> scriptRules;
-  std::optional<std::vector<FileResolutionAnswer>> fileResolution;  // nullopt: unavailable
+  // nullopt: the service is unavailable; an empty list: available, but it places nothing.
+  std::optional<std::vector<FileResolutionAnswer>> fileResolution{std::in_place};
   ExportBehaviour exportBehaviour = ExportBehaviour::kWrites;
   std::vector<std::pair<std::u16string, std::string>> fileAliases;  // host path, file text
   LocalFileSystem files;

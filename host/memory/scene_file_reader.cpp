@@ -316,9 +316,11 @@ class Loader {
   }
 
   void ReadFileResolution(const json& value) {
-    if (value.is_null()) return;  // the service is not available
+    if (value.is_null()) {
+      scene_->fileResolution.reset();  // the service is not available
+      return;
+    }
     RequireArray(value, "fileResolution");
-    scene_->fileResolution.emplace();
     for (size_t i = 0; i < value.size(); ++i) {
       Fields fields(value[i], Element("fileResolution", i), {"path", "assetType", "answer"});
       FileResolutionAnswer answer;

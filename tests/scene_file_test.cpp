@@ -38,6 +38,8 @@ TEST(SceneFile, BrokenFilesAreRejectedWithThePlaceOfTheFault) {
       {"parameter value of the wrong shape", R"({"format": "orvane-scene/1", "materials": [{"id": "m", "class": "CoronaPhysicalMtl", "params": [[{"name": "baseColor", "type": "rgba", "value": [1, 0]}]]}]})", "materials[0].params[0][0].value: expected an array of 3 numbers"},
       {"dangling map in a parameter", R"({"format": "orvane-scene/1", "materials": [{"id": "m", "class": "CoronaPhysicalMtl", "params": [null, [{"name": "baseTexmap", "type": "texmap", "value": "t1"}]]}]})", "materials[0].params[1][0].value: no map with id \"t1\""},
       {"table value not an array", R"({"format": "orvane-scene/1", "maps": [{"id": "t", "class": "MultiTexture", "params": [[{"name": "submap_on", "type": "bool_tab", "value": true}]]}]})", "maps[0].params[0][0].value: expected an array"},
+      {"number beyond any JSON number", R"({"format": "orvane-scene/1", "unitScale": -1e999})", "number overflow parsing '-1e999'"},
+      {"float beyond float range", R"({"format": "orvane-scene/1", "environment": {"background": [1e39, 0, 0]}})", "environment.background[0]: out of range"},
       {"integer out of range", R"({"format": "orvane-scene/1", "time": 4294967296})", "time: out of range"},
       {"script rule without reply", R"({"format": "orvane-scene/1", "scripts": [{"contains": ["x"]}]})", "scripts[0]: missing key \"reply\" (or \"fails\": true)"},
       {"bad export behaviour", R"({"format": "orvane-scene/1", "export": "sometimes"})", "export: unknown export behaviour \"sometimes\""},

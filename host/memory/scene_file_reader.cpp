@@ -91,7 +91,11 @@ double ReadDouble(const json& value, const std::string& path) {
 
 // JSON has no infinities or NaN; the scene file writes them as "inf", "-inf" and "nan".
 float ReadFloat(const json& value, const std::string& path) {
-  if (value.is_number()) return static_cast<float>(value.get<double>());
+  if (value.is_number()) {
+    double number = value.get<double>();
+    if (std::fabs(number) > std::numeric_limits<float>::max()) Fail(path, "out of range");
+    return static_cast<float>(number);
+  }
   if (value.is_string()) {
     const auto& text = value.get_ref<const std::string&>();
     if (text == "nan") return std::numeric_limits<float>::quiet_NaN();
@@ -768,7 +772,7 @@ class Loader {
 };
 
 // nlohmann's messages start with an "[json.exception...]" tag that means nothing to a user.
-std::string DescribeParseError(const json::parse_error& error) {
+std::string DescribeJsonError(const json::exception& error) {
   std::string message = error.what();
   auto tagEnd = message.find("] ");
   return tagEnd == std::string::npos ? message : message.substr(tagEnd + 2);
@@ -781,8 +785,9 @@ SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path
   try {
     json root = json::parse(text);
     result.scene = Loader(root, folder).Load();
-  } catch (const json::parse_error& error) {
-    result.error = DescribeParseError(error);
+  } catch (const json::exception& error) {
+    // Malformed text, and numbers too large for any JSON number type.
+    result.error = DescribeJsonError(error);
   } catch (const SceneFileError& error) {
     result.error = error.what();
   }

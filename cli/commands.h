@@ -11,6 +11,9 @@ inline constexpr int kExitOk = 0;
 inline constexpr int kExitFailure = 1;
 inline constexpr int kExitUsage = 2;
 
+// The whole command line after the program name.
+int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
 // `orvane scene check FILE...`
 int RunSceneCheck(const std::vector<std::string>& files, std::ostream& out, std::ostream& err);
 

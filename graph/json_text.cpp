@@ -6,7 +6,9 @@
 
 namespace orvane {
 
-std::u16string FormatJsonBool(bool value) { return value ? u"true" : u"false"; }
+std::u16string FormatJsonBool(bool value) {
+  return value ? u"true" : u"false";
+}
 
 void AppendJsonNumber(std::u16string& out, float value) {
   if (!std::isfinite(value)) {
@@ -61,11 +63,21 @@ std::u16string EscapeJsonString(std::u16string_view text) {
   out.reserve(text.size() + 8);
   for (char16_t c : text) {
     switch (c) {
-      case u'\t': out += u"\\t"; break;
-      case u'\n': out += u"\\n"; break;
-      case u'\r': out += u"\\r"; break;
-      case u'"': out += u"\\\""; break;
-      case u'\\': out += u"\\\\"; break;
+      case u'\t':
+        out += u"\\t";
+        break;
+      case u'\n':
+        out += u"\\n";
+        break;
+      case u'\r':
+        out += u"\\r";
+        break;
+      case u'"':
+        out += u"\\\"";
+        break;
+      case u'\\':
+        out += u"\\\\";
+        break;
       default:
         if (c < 0x20) {
           out += u"\\u00";

@@ -91,8 +91,7 @@ class IParamBlock2 {
   virtual bool GetString(int index, TimeValue t, std::optional<std::u16string>& value,
                          int tabIndex = 0) const = 0;
   // Material, texmap, node and reference-target types; the target may be null.
-  virtual bool GetReference(int index, TimeValue t, Animatable*& value,
-                            int tabIndex = 0) const = 0;
+  virtual bool GetReference(int index, TimeValue t, Animatable*& value, int tabIndex = 0) const = 0;
 };
 
 }  // namespace orvane::host

@@ -19,13 +19,15 @@ TEST(SceneCheck, SummarisesAGoodSceneAndRejectsABadOne) {
                 {"id": "light", "class": "CoronaLight", "superClass": "light"}],
     "materials": [{"id": "m", "class": "CoronaPhysicalMtl", "name": "M"}],
     "maps": [{"id": "t", "class": "Bitmap"}]})";
-  std::ofstream(folder / "bad.scene.json") << R"({"format": "orvane-scene/1", "nodes": [{"id": 3}]})";
+  std::ofstream(folder / "bad.scene.json")
+      << R"({"format": "orvane-scene/1", "nodes": [{"id": 3}]})";
 
   std::ostringstream out, err;
   std::string good = (folder / "good.scene.json").string();
   EXPECT_EQ(RunSceneCheck({good}, out, err), kExitOk);
-  EXPECT_EQ(out.str(), good + ": ok\n  nodes: 3\n  geometry nodes with materials: 1\n"
-                              "  materials: 1\n  maps: 1\n  lights: 1\n  cameras: 0\n");
+  EXPECT_EQ(out.str(), good +
+                           ": ok\n  nodes: 3\n  geometry nodes with materials: 1\n"
+                           "  materials: 1\n  maps: 1\n  lights: 1\n  cameras: 0\n");
   EXPECT_EQ(err.str(), "");
 
   std::ostringstream out2, err2;
@@ -37,6 +39,27 @@ TEST(SceneCheck, SummarisesAGoodSceneAndRejectsABadOne) {
   EXPECT_EQ(RunSceneCheck({(folder / "missing.json").string()}, out3, err3), kExitFailure);
   EXPECT_NE(err3.str().find("cannot open"), std::string::npos);
   std::filesystem::remove_all(folder);
+}
+
+TEST(Orvane, AnswersHelpAndVersionAndRefusesBadUsageWithExitCodeTwo) {
+  const struct {
+    std::vector<std::string> args;
+    int exitCode;
+    const char* output;  // expected at the start of standard output or error
+  } cases[] = {
+      {{"--help"}, kExitOk, "usage: orvane"},
+      {{"--version"}, kExitOk, "orvane " ORVANE_VERSION "\n"},
+      {{}, kExitUsage, "orvane: no command given"},
+      {{"package"}, kExitUsage, "orvane: unknown command \"package\""},
+      {{"scene"}, kExitUsage, "orvane: expected: orvane scene check FILE..."},
+      {{"scene", "check"}, kExitUsage, "orvane: scene check needs at least one scene file"},
+  };
+  for (const auto& c : cases) {
+    std::ostringstream out, err;
+    EXPECT_EQ(RunOrvane(c.args, out, err), c.exitCode) << c.output;
+    std::string shown = c.exitCode == kExitOk ? out.str() : err.str();
+    EXPECT_EQ(shown.rfind(c.output, 0), 0u) << shown;
+  }
 }
 
 }  // namespace

@@ -53,7 +53,8 @@ class Comparison {
 TEST(FormatJsonNumber, MatchesTheStreamOnRandomBitPatterns) {
   Comparison comparison;
   std::mt19937 random(20261122);
-  for (int i = 0; i < 2'000'000; ++i) comparison.Check(std::bit_cast<float>(static_cast<uint32_t>(random())));
+  for (int i = 0; i < 2'000'000; ++i)
+    comparison.Check(std::bit_cast<float>(static_cast<uint32_t>(random())));
   comparison.ExpectNone();
 }
 
@@ -62,7 +63,8 @@ TEST(FormatJsonNumber, MatchesTheStreamAtPowersOfTenAndTheirNeighbours) {
   for (int exponent = -45; exponent <= 38; ++exponent) {
     float power = std::pow(10.0f, static_cast<float>(exponent));
     float value = power;
-    for (int step = 0; step < 64; ++step) value = std::nextafter(value, 0.0f);
+    for (int step = 0; step < 64; ++step)
+      value = std::nextafter(value, 0.0f);
     for (int step = 0; step < 128; ++step) {
       comparison.Check(value);
       comparison.Check(-value);
@@ -95,11 +97,11 @@ TEST(FormatJsonNumber, MatchesTheStreamOnDenormalsZerosAndSpecialValues) {
     comparison.Check(std::bit_cast<float>(bits));
     comparison.Check(-std::bit_cast<float>(bits));
   }
-  for (float value : {0.0f, -0.0f, std::numeric_limits<float>::denorm_min(),
-                      std::numeric_limits<float>::min(), std::numeric_limits<float>::max(),
-                      std::numeric_limits<float>::lowest(), std::numeric_limits<float>::infinity(),
-                      -std::numeric_limits<float>::infinity(),
-                      std::numeric_limits<float>::quiet_NaN()}) {
+  for (float value :
+       {0.0f, -0.0f, std::numeric_limits<float>::denorm_min(), std::numeric_limits<float>::min(),
+        std::numeric_limits<float>::max(), std::numeric_limits<float>::lowest(),
+        std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
+        std::numeric_limits<float>::quiet_NaN()}) {
     comparison.Check(value);
   }
   comparison.ExpectNone();
@@ -114,8 +116,7 @@ struct CommaNumbers : std::numpunct<char> {
 };
 
 TEST(FormatJsonNumber, IgnoresTheProcessLocale) {
-  std::locale previous =
-      std::locale::global(std::locale(std::locale::classic(), new CommaNumbers));
+  std::locale previous = std::locale::global(std::locale(std::locale::classic(), new CommaNumbers));
   EXPECT_EQ(FormatJsonNumber(1234.5f), u"1234.5");
   EXPECT_EQ(FormatJsonNumber(0.25f), u"0.25");
   std::locale::global(previous);

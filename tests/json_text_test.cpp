@@ -15,13 +15,16 @@ TEST(JsonText, NumbersUseSixSignificantDigitsAndNullForNonFinite) {
     float value;
     const char16_t* text;
   } cases[] = {
-      {0.5f, u"0.5"},          {1.0f, u"1"},         {1e-7f, u"1e-07"},
-      {1234567.0f, u"1.23457e+06"}, {100.0f, u"100"}, {0.0254f, u"0.0254"},
-      {2.2f, u"2.2"},          {-0.0f, u"-0"},       {123456.0f, u"123456"},
-      {0.0001f, u"0.0001"},    {0.00001f, u"1e-05"}, {kInf, u"null"},
-      {-kInf, u"null"},        {kNaN, u"null"},
+      {0.5f, u"0.5"},         {1.0f, u"1"},
+      {1e-7f, u"1e-07"},      {1234567.0f, u"1.23457e+06"},
+      {100.0f, u"100"},       {0.0254f, u"0.0254"},
+      {2.2f, u"2.2"},         {-0.0f, u"-0"},
+      {123456.0f, u"123456"}, {0.0001f, u"0.0001"},
+      {0.00001f, u"1e-05"},   {kInf, u"null"},
+      {-kInf, u"null"},       {kNaN, u"null"},
   };
-  for (const auto& c : cases) EXPECT_EQ(FormatJsonNumber(c.value), c.text) << c.value;
+  for (const auto& c : cases)
+    EXPECT_EQ(FormatJsonNumber(c.value), c.text) << c.value;
 }
 
 TEST(JsonText, VectorsAreCompactArrays) {
@@ -50,7 +53,8 @@ TEST(JsonText, EscapingTouchesOnlyControlsQuotesAndBackslashes) {
       {u"a/b", u"a/b"},
       {u"\u007f\u00e9\u6728\U0001F3E0", u"\u007f\u00e9\u6728\U0001F3E0"},
   };
-  for (const auto& c : cases) EXPECT_EQ(EscapeJsonString(c.in), c.out);
+  for (const auto& c : cases)
+    EXPECT_EQ(EscapeJsonString(c.in), c.out);
 }
 
 TEST(JsonText, JoinFragmentsIndentsEachAndSeparatesWithCommaLines) {

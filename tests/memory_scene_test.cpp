@@ -5,17 +5,17 @@
 #include <filesystem>
 #include <fstream>
 
+#include <set>
 #include "graph/wide_text.h"
 #include "host/memory/scene_file.h"
-#include <set>
 
 namespace orvane::host::memory {
 namespace {
 
-std::unique_ptr<MemScene> Load(const std::string& body,
-                               const std::filesystem::path& folder = ".") {
-  SceneLoadResult result =
-      LoadSceneText(R"({"format": "orvane-scene/1")" + std::string(body.empty() ? "" : ", ") + body + "}", folder);
+std::unique_ptr<MemScene> Load(const std::string& body, const std::filesystem::path& folder = ".") {
+  SceneLoadResult result = LoadSceneText(
+      R"({"format": "orvane-scene/1")" + std::string(body.empty() ? "" : ", ") + body + "}",
+      folder);
   EXPECT_TRUE(result.scene) << result.error;
   return std::move(result.scene);
 }
@@ -183,7 +183,8 @@ TEST(MemoryScene, HandlesAreUniqueAndFoundAgain) {
     handles.insert(node->GetHandle());
     EXPECT_EQ(scene->GetAnimByHandle(node->GetHandle()), node.get());
   }
-  for (const auto& material : scene->materials()) handles.insert(material->GetHandle());
+  for (const auto& material : scene->materials())
+    handles.insert(material->GetHandle());
   EXPECT_EQ(handles.size(), scene->nodes().size() + scene->materials().size());
 }
 

@@ -20,7 +20,9 @@ std::string StreamText(double value) {
   return stream.str();
 }
 
-std::string RuntimeLocaleName() { return std::setlocale(LC_ALL, nullptr); }
+std::string RuntimeLocaleName() {
+  return std::setlocale(LC_ALL, nullptr);
+}
 
 // Some machines have no locale but "C" and "POSIX"; use one that differs from "C" if there is one.
 const char* SomeOtherRuntimeLocale() {

@@ -76,18 +76,28 @@ TEST(ParamLookup, EachParameterTypeBecomesItsJsonValue) {
     const char16_t* name;
     const char16_t* fragment;
   } cases[] = {
-      {u"f", u"\"key\":0.25"},         {u"angle", u"\"key\":1.5"},
-      {u"pct", u"\"key\":0.3"},        {u"world", u"\"key\":12.5"},
-      {u"i", u"\"key\":-7"},           {u"index", u"\"key\":3"},
-      {u"on", u"\"key\":true"},        {u"off", u"\"key\":false"},
+      {u"f", u"\"key\":0.25"},
+      {u"angle", u"\"key\":1.5"},
+      {u"pct", u"\"key\":0.3"},
+      {u"world", u"\"key\":12.5"},
+      {u"i", u"\"key\":-7"},
+      {u"index", u"\"key\":3"},
+      {u"on", u"\"key\":true"},
+      {u"off", u"\"key\":false"},
       {u"s", u"\"key\":\"say \\\"\u00e9\\\"\""},
-      {u"nullString", u"\"key\":\"\""}, {u"file", u"\"key\":\"C:\\\\a.ies\""},
-      {u"rgba", u"\"key\":[1,0.5,0]"}, {u"frgba", u"\"key\":[2,0,0.125]"},
-      {u"p", u"\"key\":[1,2,3]"},      {u"map", u"(none)"},
-      {u"mtl", u"(none)"},             {u"matrix", u"(none)"},
-      {u"table", u"(none)"},           {u"absent", u"(none)"},
+      {u"nullString", u"\"key\":\"\""},
+      {u"file", u"\"key\":\"C:\\\\a.ies\""},
+      {u"rgba", u"\"key\":[1,0.5,0]"},
+      {u"frgba", u"\"key\":[2,0,0.125]"},
+      {u"p", u"\"key\":[1,2,3]"},
+      {u"map", u"(none)"},
+      {u"mtl", u"(none)"},
+      {u"matrix", u"(none)"},
+      {u"table", u"(none)"},
+      {u"absent", u"(none)"},
   };
-  for (const auto& c : cases) EXPECT_EQ(Fragment(owner, c.name), c.fragment) << ToUtf8(c.name);
+  for (const auto& c : cases)
+    EXPECT_EQ(Fragment(owner, c.name), c.fragment) << ToUtf8(c.name);
 }
 
 TEST(ParamLookup, NamesMatchIgnoringAsciiCaseOnly) {
@@ -126,10 +136,11 @@ TEST(ParamLookup, NullObjectsAndEmptyNamesFindNothing) {
 TEST(ParamLookup, ReferenceLookupAcceptsOnlyMaterialMapAndReferenceTypes) {
   MemTexmap first, second;
   Owner owner;
-  owner.Block({Param(u"slot", TYPE_FLOAT, {1.0f}),
-               Param(u"slot", TYPE_TEXMAP, {static_cast<Animatable*>(&first)}),
-               Param(u"empty", TYPE_MTL, {static_cast<Animatable*>(nullptr)}),
-               Param(u"node", TYPE_INODE, {static_cast<Animatable*>(&second)})})
+  owner
+      .Block({Param(u"slot", TYPE_FLOAT, {1.0f}),
+              Param(u"slot", TYPE_TEXMAP, {static_cast<Animatable*>(&first)}),
+              Param(u"empty", TYPE_MTL, {static_cast<Animatable*>(nullptr)}),
+              Param(u"node", TYPE_INODE, {static_cast<Animatable*>(&second)})})
       .Block({Param(u"empty", TYPE_REFTARG, {static_cast<Animatable*>(&second)}),
               Param(u"source", TYPE_REFTARG, {static_cast<Animatable*>(&second)})});
   EXPECT_EQ(FindParamReference(owner.get(), u"SLOT", kTime), &first);

@@ -10,7 +10,8 @@ namespace {
 
 std::string Names(const std::vector<host::INode*>& nodes) {
   std::string names;
-  for (host::INode* node : nodes) names += ToUtf8(node->GetName()) + " ";
+  for (host::INode* node : nodes)
+    names += ToUtf8(node->GetName()) + " ";
   return names;
 }
 
@@ -25,7 +26,7 @@ TEST(SceneWalk, ListsChildrenBeforeParentsInIndexOrderWithoutTheRoot) {
       {"id": "b", "name": "B"}, {"id": "a2", "name": "A2", "parent": "a"},
       {"id": "a1a", "name": "A1a", "parent": "a1"}
     ]})",
-                                              ".");
+                                            ".");
   ASSERT_TRUE(result.scene) << result.error;
   EXPECT_EQ(Names(ListSceneNodes(*result.scene)), "A1a A1 A2 A B ");
 }
@@ -34,10 +35,11 @@ TEST(SceneWalk, HandlesHierarchiesDeeperThanTheCallStack) {
   std::string nodes = R"({"id": "n0", "name": "n0"})";
   const int depth = 100000;
   for (int i = 1; i < depth; ++i) {
-    nodes += R"(,{"id": "n)" + std::to_string(i) + R"(", "parent": "n)" + std::to_string(i - 1) + "\"}";
+    nodes +=
+        R"(,{"id": "n)" + std::to_string(i) + R"(", "parent": "n)" + std::to_string(i - 1) + "\"}";
   }
-  auto result = host::memory::LoadSceneText(
-      R"({"format": "orvane-scene/1", "nodes": [)" + nodes + "]}", ".");
+  auto result =
+      host::memory::LoadSceneText(R"({"format": "orvane-scene/1", "nodes": [)" + nodes + "]}", ".");
   ASSERT_TRUE(result.scene) << result.error;
   auto listed = ListSceneNodes(*result.scene);
   ASSERT_EQ(listed.size(), static_cast<size_t>(depth));

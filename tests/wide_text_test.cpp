@@ -31,12 +31,15 @@ TEST(WideText, WellFormedTextConvertsBothWays) {
 
 TEST(WideText, LoneSurrogatesBecomeReplacementCharacters) {
   const RoundTripCase cases[] = {
-      {"lone high", std::u16string{u'a', 0xD800, u'b'}, "a\xef\xbf\xbd" "b"},
+      {"lone high", std::u16string{u'a', 0xD800, u'b'},
+       "a\xef\xbf\xbd"
+       "b"},
       {"lone low", std::u16string{0xDC00}, "\xef\xbf\xbd"},
       {"high at the end", std::u16string{u'x', 0xDBFF}, "x\xef\xbf\xbd"},
       {"reversed pair", std::u16string{0xDC00, 0xD800}, "\xef\xbf\xbd\xef\xbf\xbd"},
   };
-  for (const auto& c : cases) EXPECT_EQ(ToUtf8(c.wide), c.utf8) << c.label;
+  for (const auto& c : cases)
+    EXPECT_EQ(ToUtf8(c.wide), c.utf8) << c.label;
 }
 
 TEST(WideText, IllFormedUtf8GivesOneReplacementPerMaximalSubpart) {
@@ -59,7 +62,8 @@ TEST(WideText, IllFormedUtf8GivesOneReplacementPerMaximalSubpart) {
       {"sequence broken by ascii", "\xe6z\x9c", R + u"z" + R},
       {"latin-1 text", "caf\xe9 noir", u"caf" + R + u" noir"},
   };
-  for (const auto& c : cases) EXPECT_EQ(FromUtf8(c.bytes), c.wide) << c.label;
+  for (const auto& c : cases)
+    EXPECT_EQ(FromUtf8(c.bytes), c.wide) << c.label;
 }
 
 TEST(WideText, TrimWhitespaceRemovesOnlyBlanksTabsAndLineBreaksAtTheEnds) {
@@ -73,7 +77,8 @@ TEST(WideText, TrimWhitespaceRemovesOnlyBlanksTabsAndLineBreaksAtTheEnds) {
       {u"\u00a0nbsp\u00a0", u"\u00a0nbsp\u00a0"},  // not in the trimmed set
       {u"\vvertical", u"\vvertical"},
   };
-  for (const auto& c : cases) EXPECT_EQ(TrimWhitespace(c.in), c.out);
+  for (const auto& c : cases)
+    EXPECT_EQ(TrimWhitespace(c.in), c.out);
 }
 
 }  // namespace

@@ -6,7 +6,9 @@ namespace orvane::host::memory {
 
 namespace {
 
-bool IsTable(ParamType2 type) { return (type & TYPE_TAB) != 0; }
+bool IsTable(ParamType2 type) {
+  return (type & TYPE_TAB) != 0;
+}
 
 }  // namespace
 
@@ -106,11 +108,15 @@ StdUVGen* MemTexmap::GetUVGen() const {
 
 // --- Meshes and objects ---
 
-void MemMesh::SetNumVertCol(int count) { vertexColors.resize(static_cast<size_t>(count)); }
+void MemMesh::SetNumVertCol(int count) {
+  vertexColors.resize(static_cast<size_t>(count));
+}
 void MemMesh::SetVertCol(int index, Point3 color) {
   vertexColors.at(static_cast<size_t>(index)) = color;
 }
-void MemMesh::SetNumVCFaces(int count) { colorFaces.resize(static_cast<size_t>(count)); }
+void MemMesh::SetNumVCFaces(int count) {
+  colorFaces.resize(static_cast<size_t>(count));
+}
 void MemMesh::SetVCFace(int face, std::array<int, 3> colorIndices) {
   colorFaces.at(static_cast<size_t>(face)) = colorIndices;
 }
@@ -121,7 +127,9 @@ TriObject* MemObject::ConvertToTriObject(TimeValue) {
   return &scene->AddConvertedObject(*this);
 }
 
-void MemObject::DeleteThis() { scene->DeleteObject(*this); }
+void MemObject::DeleteThis() {
+  scene->DeleteObject(*this);
+}
 
 Modifier* MemDerivedObject::GetModifier(int index) const {
   if (index < 0 || index >= NumModifiers()) return nullptr;
@@ -198,10 +206,9 @@ ScriptResult MemScene::ExecuteMAXScriptScript(std::u16string_view script, bool q
                                               bool wantResult) {
   scriptsRun.push_back({std::u16string(script), quietErrors, wantResult});
   for (const ScriptRule& rule : scriptRules) {
-    bool matches = std::all_of(rule.contains.begin(), rule.contains.end(),
-                               [&](const std::u16string& part) {
-                                 return script.find(part) != std::u16string_view::npos;
-                               });
+    bool matches = std::all_of(
+        rule.contains.begin(), rule.contains.end(),
+        [&](const std::u16string& part) { return script.find(part) != std::u16string_view::npos; });
     if (!matches) continue;
     if (rule.fails) return {false, std::nullopt};
     return {true, wantResult ? rule.reply : std::nullopt};
@@ -256,7 +263,9 @@ MemDerivedObject& MemScene::AddDerivedObject(std::string id) {
   return object;
 }
 
-MemModifier& MemScene::AddModifier(std::string id) { return Register(modifiers_, std::move(id)); }
+MemModifier& MemScene::AddModifier(std::string id) {
+  return Register(modifiers_, std::move(id));
+}
 
 MemMtl& MemScene::AddMaterial(std::string id) {
   MemMtl& material = Register(materials_, std::move(id));
@@ -281,7 +290,8 @@ namespace {
 
 template <class List, class Visit>
 void ForEachData(List& list, Visit visit) {
-  for (auto& item : list) visit(item->data, *item);
+  for (auto& item : list)
+    visit(item->data, *item);
 }
 
 }  // namespace
@@ -290,7 +300,8 @@ void MemScene::AssignMissingHandles() {
   AnimHandle next = 1;
   auto assign = [&](AnimatableData& data, Animatable&) {
     if (data.handle != 0) return;
-    while (byHandle_.count(next) != 0) ++next;
+    while (byHandle_.count(next) != 0)
+      ++next;
     data.handle = next++;
   };
   IndexHandles();
@@ -348,7 +359,8 @@ MemObject& MemScene::AddConvertedObject(const MemObject& from) {
   converted.mesh = from.mesh;
   converted.isTriObject = true;
   AnimHandle next = 1;
-  while (byHandle_.count(next) != 0) ++next;
+  while (byHandle_.count(next) != 0)
+    ++next;
   converted.data.handle = next;
   byHandle_[next] = &converted;
   return converted;

@@ -11,17 +11,21 @@
 namespace orvane::host::memory {
 
 inline constexpr std::pair<std::string_view, int> kParamTypes[] = {
-    {"float", TYPE_FLOAT},     {"int", TYPE_INT},         {"rgba", TYPE_RGBA},
-    {"point3", TYPE_POINT3},   {"bool", TYPE_BOOL},       {"angle", TYPE_ANGLE},
-    {"percent", TYPE_PCNT_FRAC}, {"world", TYPE_WORLD},   {"string", TYPE_STRING},
-    {"filename", TYPE_FILENAME}, {"mtl", TYPE_MTL},       {"texmap", TYPE_TEXMAP},
-    {"bitmap", TYPE_BITMAP},   {"node", TYPE_INODE},      {"reftarg", TYPE_REFTARG},
-    {"index", TYPE_INDEX},     {"matrix3", TYPE_MATRIX3}, {"frgba", TYPE_FRGBA},
+    {"float", TYPE_FLOAT},       {"int", TYPE_INT},         {"rgba", TYPE_RGBA},
+    {"point3", TYPE_POINT3},     {"bool", TYPE_BOOL},       {"angle", TYPE_ANGLE},
+    {"percent", TYPE_PCNT_FRAC}, {"world", TYPE_WORLD},     {"string", TYPE_STRING},
+    {"filename", TYPE_FILENAME}, {"mtl", TYPE_MTL},         {"texmap", TYPE_TEXMAP},
+    {"bitmap", TYPE_BITMAP},     {"node", TYPE_INODE},      {"reftarg", TYPE_REFTARG},
+    {"index", TYPE_INDEX},       {"matrix3", TYPE_MATRIX3}, {"frgba", TYPE_FRGBA},
 };
 
 inline constexpr std::pair<std::string_view, SClass_ID> kSuperClasses[] = {
-    {"geometry", GEOMOBJECT_CLASS_ID}, {"camera", CAMERA_CLASS_ID}, {"light", LIGHT_CLASS_ID},
-    {"shape", SHAPE_CLASS_ID},         {"helper", HELPER_CLASS_ID}, {"modifier", OSM_CLASS_ID},
+    {"geometry", GEOMOBJECT_CLASS_ID},
+    {"camera", CAMERA_CLASS_ID},
+    {"light", LIGHT_CLASS_ID},
+    {"shape", SHAPE_CLASS_ID},
+    {"helper", HELPER_CLASS_ID},
+    {"modifier", OSM_CLASS_ID},
     {"worldSpaceModifier", WSM_CLASS_ID},
 };
 

@@ -124,7 +124,8 @@ int ReadInt(const json& value, const std::string& path) {
 uint32_t ReadIdPart(const json& value, const std::string& path) {
   if (value.is_string()) {
     const auto& text = value.get_ref<const std::string&>();
-    if (text.size() > 2 && text.size() <= 10 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X') &&
+    if (text.size() > 2 && text.size() <= 10 && text[0] == '0' &&
+        (text[1] == 'x' || text[1] == 'X') &&
         text.find_first_not_of("0123456789abcdefABCDEF", 2) == std::string::npos) {
       return static_cast<uint32_t>(std::stoul(text.substr(2), nullptr, 16));
     }
@@ -152,7 +153,8 @@ Point3 ReadPoint3(const json& value, const std::string& path) {
 Matrix3 ReadMatrix(const json& value, const std::string& path) {
   if (!value.is_array() || value.size() != 4) Fail(path, "expected an array of 4 rows");
   Matrix3 matrix;
-  for (size_t row = 0; row < 4; ++row) matrix.rows[row] = ReadPoint3(value[row], Element(path, row));
+  for (size_t row = 0; row < 4; ++row)
+    matrix.rows[row] = ReadPoint3(value[row], Element(path, row));
   return matrix;
 }
 
@@ -174,17 +176,23 @@ class Loader {
   std::unique_ptr<MemScene> Load() {
     Fields top(root_, "",
                {"format", "time", "unitScale", "file", "settingsDirectory", "environment", "nodes",
-                "objects", "modifiers", "materials", "maps", "scripts", "fileResolution",
-                "files", "export"});
+                "objects", "modifiers", "materials", "maps", "scripts", "fileResolution", "files",
+                "export"});
     ReadFormat(top);
     DeclareAll(top);
     ReadSettings(top);
-    for (auto& [fields, node] : nodes_) ReadNode(*fields, *node);
-    for (auto& [fields, object] : objects_) ReadObject(*fields, *object);
-    for (auto& [fields, object] : derived_) ReadDerivedObject(*fields, *object);
-    for (auto& [fields, modifier] : modifiers_) ReadModifier(*fields, *modifier);
-    for (auto& [fields, material] : materials_) ReadMaterial(*fields, *material);
-    for (auto& [fields, map] : maps_) ReadMap(*fields, *map);
+    for (auto& [fields, node] : nodes_)
+      ReadNode(*fields, *node);
+    for (auto& [fields, object] : objects_)
+      ReadObject(*fields, *object);
+    for (auto& [fields, object] : derived_)
+      ReadDerivedObject(*fields, *object);
+    for (auto& [fields, modifier] : modifiers_)
+      ReadModifier(*fields, *modifier);
+    for (auto& [fields, material] : materials_)
+      ReadMaterial(*fields, *material);
+    for (auto& [fields, map] : maps_)
+      ReadMap(*fields, *map);
     CheckHierarchy();
     CheckModifierStacks();
     CheckHandles();
@@ -206,16 +214,17 @@ class Loader {
 
   // First pass: every entity gets its id, so references may point forwards.
   void DeclareAll(const Fields& top) {
-    Declare(top, "nodes", {"id", "handle", "name", "parent", "object", "worldState", "material",
-                           "target", "transform"},
+    Declare(top, "nodes",
+            {"id", "handle", "name", "parent", "object", "worldState", "material", "target",
+             "transform"},
             nodes_, [&](std::string id) { return &scene_->AddNode(std::move(id)); });
     DeclareObjects(top);
     Declare(top, "modifiers", {"id", "handle", "class", "classId", "superClass", "params"},
             modifiers_, [&](std::string id) { return &scene_->AddModifier(std::move(id)); });
-    Declare(top, "materials",
-            {"id", "handle", "class", "classId", "name", "params", "slots", "subMaterials",
-             "standard"},
-            materials_, [&](std::string id) { return &scene_->AddMaterial(std::move(id)); });
+    Declare(
+        top, "materials",
+        {"id", "handle", "class", "classId", "name", "params", "slots", "subMaterials", "standard"},
+        materials_, [&](std::string id) { return &scene_->AddMaterial(std::move(id)); });
     Declare(top, "maps",
             {"id", "handle", "class", "classId", "name", "params", "slots", "bitmap", "curves"},
             maps_, [&](std::string id) { return &scene_->AddMap(std::move(id)); });
@@ -244,17 +253,17 @@ class Loader {
       const json& item = (*list)[i];
       std::string path = Element("objects", i);
       if (item.is_object() && item.contains("derived")) {
-        auto fields = std::make_unique<Fields>(
-            item, path, std::initializer_list<std::string_view>{"id", "handle", "class", "classId",
-                                                                "params", "derived"});
+        auto fields =
+            std::make_unique<Fields>(item, path,
+                                     std::initializer_list<std::string_view>{
+                                         "id", "handle", "class", "classId", "params", "derived"});
         derived_.emplace_back(nullptr, &scene_->AddDerivedObject(ReadId(*fields)));
         derived_.back().first = std::move(fields);
       } else {
-        auto fields = std::make_unique<Fields>(
-            item, path,
-            std::initializer_list<std::string_view>{"id", "handle", "class", "classId",
-                                                    "superClass", "params", "mesh", "triObject",
-                                                    "camera"});
+        auto fields = std::make_unique<Fields>(item, path,
+                                               std::initializer_list<std::string_view>{
+                                                   "id", "handle", "class", "classId", "superClass",
+                                                   "params", "mesh", "triObject", "camera"});
         objects_.emplace_back(nullptr, &scene_->AddObject(ReadId(*fields)));
         objects_.back().first = std::move(fields);
       }
@@ -266,17 +275,21 @@ class Loader {
     std::string id = ReadString(fields.Get("id"), path);
     if (id.empty()) Fail(path, "an id must not be empty");
     auto [existing, inserted] = idPaths_.emplace(id, path);
-    if (!inserted) Fail(path, "duplicate id \"" + id + "\" (first used at " + existing->second + ")");
+    if (!inserted)
+      Fail(path, "duplicate id \"" + id + "\" (first used at " + existing->second + ")");
     return id;
   }
 
   void ReadSettings(const Fields& top) {
     if (const json* time = top.Find("time")) scene_->time = ReadInt(*time, "time");
-    if (const json* scale = top.Find("unitScale")) scene_->metresPerUnit = ReadDouble(*scale, "unitScale");
+    if (const json* scale = top.Find("unitScale"))
+      scene_->metresPerUnit = ReadDouble(*scale, "unitScale");
     if (const json* file = top.Find("file")) {
       Fields fields(*file, "file", {"name", "path"});
-      if (const json* name = fields.Find("name")) scene_->fileName = ReadText(*name, fields.PathOf("name"));
-      if (const json* path = fields.Find("path")) scene_->filePath = ReadText(*path, fields.PathOf("path"));
+      if (const json* name = fields.Find("name"))
+        scene_->fileName = ReadText(*name, fields.PathOf("name"));
+      if (const json* path = fields.Find("path"))
+        scene_->filePath = ReadText(*path, fields.PathOf("path"));
     }
     if (const json* dir = top.Find("settingsDirectory")) {
       scene_->settingsDirectory = ReadText(*dir, "settingsDirectory");
@@ -286,7 +299,8 @@ class Loader {
     if (const json* resolution = top.Find("fileResolution")) ReadFileResolution(*resolution);
     if (const json* files = top.Find("files")) ReadFiles(*files);
     if (const json* behaviour = top.Find("export")) {
-      scene_->exportBehaviour = ReadName(kExportBehaviours, *behaviour, "export", "export behaviour");
+      scene_->exportBehaviour =
+          ReadName(kExportBehaviours, *behaviour, "export", "export behaviour");
     }
   }
 
@@ -298,7 +312,8 @@ class Loader {
     if (const json* useMap = fields.Find("useMap")) {
       scene_->useEnvironmentMap = ReadBool(*useMap, fields.PathOf("useMap"));
     }
-    if (const json* map = fields.Find("map")) scene_->environmentMap = ResolveMap(*map, fields.PathOf("map"));
+    if (const json* map = fields.Find("map"))
+      scene_->environmentMap = ResolveMap(*map, fields.PathOf("map"));
   }
 
   void ReadScripts(const json& value) {
@@ -310,11 +325,15 @@ class Loader {
       for (size_t k = 0; k < contains.size(); ++k) {
         rule.contains.push_back(ReadText(contains[k], Element(fields.PathOf("contains"), k)));
       }
-      if (const json* fails = fields.Find("fails")) rule.fails = ReadBool(*fails, fields.PathOf("fails"));
+      if (const json* fails = fields.Find("fails"))
+        rule.fails = ReadBool(*fails, fields.PathOf("fails"));
       const json* reply = fields.Find("reply");
-      if (rule.fails && reply != nullptr) Fail(fields.PathOf("reply"), "a failing run has no reply");
-      if (!rule.fails && reply == nullptr) Fail(fields.path(), "missing key \"reply\" (or \"fails\": true)");
-      if (reply != nullptr && !reply->is_null()) rule.reply = ReadText(*reply, fields.PathOf("reply"));
+      if (rule.fails && reply != nullptr)
+        Fail(fields.PathOf("reply"), "a failing run has no reply");
+      if (!rule.fails && reply == nullptr)
+        Fail(fields.path(), "missing key \"reply\" (or \"fails\": true)");
+      if (reply != nullptr && !reply->is_null())
+        rule.reply = ReadText(*reply, fields.PathOf("reply"));
       scene_->scriptRules.push_back(std::move(rule));
     }
   }
@@ -329,7 +348,8 @@ class Loader {
       Fields fields(value[i], Element("fileResolution", i), {"path", "assetType", "answer"});
       FileResolutionAnswer answer;
       answer.path = ReadText(fields.Get("path"), fields.PathOf("path"));
-      answer.assetType = ReadName(kAssetTypes, fields.Get("assetType"), fields.PathOf("assetType"), "asset type");
+      answer.assetType =
+          ReadName(kAssetTypes, fields.Get("assetType"), fields.PathOf("assetType"), "asset type");
       answer.answer = ReadText(fields.Get("answer"), fields.PathOf("answer"));
       scene_->fileResolution->push_back(std::move(answer));
     }
@@ -341,7 +361,8 @@ class Loader {
       std::string local = ReadString(item.value(), Member("files", item.key()));
       std::u16string hostPath = FromUtf8(item.key());
       scene_->fileAliases.emplace_back(hostPath, local);
-      scene_->files.AddAlias(hostPath, folder_ / std::filesystem::path(std::u8string(local.begin(), local.end())));
+      scene_->files.AddAlias(
+          hostPath, folder_ / std::filesystem::path(std::u8string(local.begin(), local.end())));
     }
   }
 
@@ -362,7 +383,8 @@ class Loader {
       data.classId = {ReadIdPart((*classId)[0], Element(path, 0)),
                       ReadIdPart((*classId)[1], Element(path, 1))};
     }
-    if (const json* params = fields.Find("params")) ReadParamBlocks(*params, fields.PathOf("params"), data);
+    if (const json* params = fields.Find("params"))
+      ReadParamBlocks(*params, fields.PathOf("params"), data);
   }
 
   SClass_ID ReadSuperClass(const json& value, const std::string& path) {
@@ -381,14 +403,16 @@ class Loader {
     }
     node.parent = parent;
     parent->children.push_back(&node);
-    if (const json* object = fields.Find("object")) node.objectRef = Resolve<Object>(*object, fields.PathOf("object"), "object");
+    if (const json* object = fields.Find("object"))
+      node.objectRef = Resolve<Object>(*object, fields.PathOf("object"), "object");
     if (const json* state = fields.Find("worldState")) {
       node.worldStateOverride = Resolve<Object>(*state, fields.PathOf("worldState"), "object");
     }
     if (const json* material = fields.Find("material")) {
       node.material = Resolve<Mtl>(*material, fields.PathOf("material"), "material");
     }
-    if (const json* target = fields.Find("target")) node.target = Resolve<INode>(*target, fields.PathOf("target"), "node");
+    if (const json* target = fields.Find("target"))
+      node.target = Resolve<INode>(*target, fields.PathOf("target"), "node");
     if (const json* transform = fields.Find("transform")) {
       node.transform = ReadMatrix(*transform, fields.PathOf("transform"));
     }
@@ -396,13 +420,17 @@ class Loader {
 
   void ReadObject(const Fields& fields, MemObject& object) {
     ReadCommon(fields, object.data, true);
-    object.data.superClassId = ReadSuperClass(fields.Get("superClass"), fields.PathOf("superClass"));
-    if (const json* mesh = fields.Find("mesh")) object.mesh = ReadMesh(*mesh, fields.PathOf("mesh"));
+    object.data.superClassId =
+        ReadSuperClass(fields.Get("superClass"), fields.PathOf("superClass"));
+    if (const json* mesh = fields.Find("mesh"))
+      object.mesh = ReadMesh(*mesh, fields.PathOf("mesh"));
     if (const json* tri = fields.Find("triObject")) {
       object.isTriObject = ReadBool(*tri, fields.PathOf("triObject"));
-      if (object.isTriObject && !object.mesh) Fail(fields.PathOf("triObject"), "a triangle-mesh object needs a \"mesh\"");
+      if (object.isTriObject && !object.mesh)
+        Fail(fields.PathOf("triObject"), "a triangle-mesh object needs a \"mesh\"");
     }
-    if (const json* camera = fields.Find("camera")) object.camera = ReadCamera(*camera, fields.PathOf("camera"));
+    if (const json* camera = fields.Find("camera"))
+      object.camera = ReadCamera(*camera, fields.PathOf("camera"));
   }
 
   void ReadDerivedObject(const Fields& fields, MemDerivedObject& object) {
@@ -414,7 +442,8 @@ class Loader {
       std::string path = derived.PathOf("modifiers");
       RequireArray(*modifiers, path);
       for (size_t i = 0; i < modifiers->size(); ++i) {
-        object.modifiers.push_back(Resolve<Modifier>((*modifiers)[i], Element(path, i), "modifier"));
+        object.modifiers.push_back(
+            Resolve<Modifier>((*modifiers)[i], Element(path, i), "modifier"));
       }
     }
   }
@@ -431,7 +460,8 @@ class Loader {
   void ReadMtlBase(const Fields& fields, T& item) {
     ReadCommon(fields, item.data, true);
     if (const json* name = fields.Find("name")) item.name = ReadText(*name, fields.PathOf("name"));
-    if (const json* slots = fields.Find("slots")) item.slots = ReadSlots(*slots, fields.PathOf("slots"));
+    if (const json* slots = fields.Find("slots"))
+      item.slots = ReadSlots(*slots, fields.PathOf("slots"));
   }
 
   void ReadMaterial(const Fields& fields, MemMtl& material) {
@@ -450,11 +480,14 @@ class Loader {
 
   void ReadMap(const Fields& fields, MemTexmap& map) {
     ReadMtlBase(fields, map);
-    if (const json* bitmap = fields.Find("bitmap")) map.bitmap = ReadBitmap(*bitmap, fields.PathOf("bitmap"));
+    if (const json* bitmap = fields.Find("bitmap"))
+      map.bitmap = ReadBitmap(*bitmap, fields.PathOf("bitmap"));
     if (const json* curves = fields.Find("curves")) {
       Fields curveFields(*curves, fields.PathOf("curves"), {"mono", "rgb"});
-      if (const json* mono = curveFields.Find("mono")) map.monoCurves = ReadCurveCtl(*mono, curveFields.PathOf("mono"));
-      if (const json* rgb = curveFields.Find("rgb")) map.rgbCurves = ReadCurveCtl(*rgb, curveFields.PathOf("rgb"));
+      if (const json* mono = curveFields.Find("mono"))
+        map.monoCurves = ReadCurveCtl(*mono, curveFields.PathOf("mono"));
+      if (const json* rgb = curveFields.Find("rgb"))
+        map.rgbCurves = ReadCurveCtl(*rgb, curveFields.PathOf("rgb"));
     }
   }
 
@@ -466,8 +499,10 @@ class Loader {
       MapSlot slot;
       slot.name = ReadText(fields.Get("name"), fields.PathOf("name"));
       if (const json* map = fields.Find("map")) slot.map = ResolveMap(*map, fields.PathOf("map"));
-      if (const json* amount = fields.Find("amount")) slot.amount = ReadFloat(*amount, fields.PathOf("amount"));
-      if (const json* enabled = fields.Find("enabled")) slot.enabled = ReadBool(*enabled, fields.PathOf("enabled"));
+      if (const json* amount = fields.Find("amount"))
+        slot.amount = ReadFloat(*amount, fields.PathOf("amount"));
+      if (const json* enabled = fields.Find("enabled"))
+        slot.enabled = ReadBool(*enabled, fields.PathOf("enabled"));
       slots.push_back(std::move(slot));
     }
     return slots;
@@ -528,7 +563,8 @@ class Loader {
       auto points = std::make_unique<MemCurve>();
       for (size_t p = 0; p < curve.size(); ++p) {
         std::string pointPath = Element(curvePath, p);
-        if (!curve[p].is_array() || curve[p].size() != 2) Fail(pointPath, "expected a point [x, y]");
+        if (!curve[p].is_array() || curve[p].size() != 2)
+          Fail(pointPath, "expected a point [x, y]");
         float x = ReadFloat(curve[p][0], Element(pointPath, 0));
         if (!points->points.empty() && x < points->points.back().first) {
           Fail(Element(pointPath, 0), "curve points must be in ascending x");
@@ -541,7 +577,8 @@ class Loader {
   }
 
   CameraData ReadCamera(const json& value, const std::string& path) {
-    Fields fields(value, path, {"fov", "ortho", "targetDistance", "manualClip", "nearClip", "farClip"});
+    Fields fields(value, path,
+                  {"fov", "ortho", "targetDistance", "manualClip", "nearClip", "farClip"});
     CameraData camera;
     ReadOptional(fields, "fov", camera.fov, ReadFloat);
     ReadOptional(fields, "ortho", camera.ortho, ReadBool);
@@ -565,7 +602,9 @@ class Loader {
       }
       MeshFace meshFace;
       meshFace.v = ReadIndices(face, facePath, mesh.vertices.size(), "vertex", "vertices");
-      if (face.size() == 4) meshFace.matId = static_cast<uint16_t>(ReadInteger(face[3], Element(facePath, 3), 0, 65535));
+      if (face.size() == 4)
+        meshFace.matId =
+            static_cast<uint16_t>(ReadInteger(face[3], Element(facePath, 3), 0, 65535));
       mesh.faces.push_back(meshFace);
     }
     mesh.vertexColors = ReadPointList(fields, "vertexColors");
@@ -573,8 +612,10 @@ class Loader {
       RequireArray(*colorFaces, fields.PathOf("colorFaces"));
       for (size_t f = 0; f < colorFaces->size(); ++f) {
         std::string facePath = Element(fields.PathOf("colorFaces"), f);
-        if (!(*colorFaces)[f].is_array() || (*colorFaces)[f].size() != 3) Fail(facePath, "expected [a, b, c]");
-        mesh.colorFaces.push_back(ReadIndices((*colorFaces)[f], facePath, mesh.vertexColors.size(), "vertex colour", "vertex colours"));
+        if (!(*colorFaces)[f].is_array() || (*colorFaces)[f].size() != 3)
+          Fail(facePath, "expected [a, b, c]");
+        mesh.colorFaces.push_back(ReadIndices((*colorFaces)[f], facePath, mesh.vertexColors.size(),
+                                              "vertex colour", "vertex colours"));
       }
     }
     return mesh;
@@ -586,7 +627,8 @@ class Loader {
     if (list == nullptr) return points;
     std::string path = fields.PathOf(key);
     RequireArray(*list, path);
-    for (size_t i = 0; i < list->size(); ++i) points.push_back(ReadPoint3((*list)[i], Element(path, i)));
+    for (size_t i = 0; i < list->size(); ++i)
+      points.push_back(ReadPoint3((*list)[i], Element(path, i)));
     return points;
   }
 
@@ -594,7 +636,8 @@ class Loader {
                                  const std::string& what, const std::string& plural) {
     std::array<int, 3> indices{};
     for (size_t k = 0; k < 3; ++k) {
-      int64_t index = ReadInteger(face[k], Element(path, k), 0, std::numeric_limits<int32_t>::max());
+      int64_t index =
+          ReadInteger(face[k], Element(path, k), 0, std::numeric_limits<int32_t>::max());
       if (static_cast<size_t>(index) >= count) {
         Fail(Element(path, k), what + " index " + std::to_string(index) + " is out of range (" +
                                    std::to_string(count) + " " + plural + ")");
@@ -720,14 +763,16 @@ class Loader {
         auto known = leadsOut.find(link);
         if (known != leadsOut.end()) {
           if (!known->second) {
-            Fail(fields->PathOf(key), "the " + what + " has a cycle through \"" + start->data.id + "\"");
+            Fail(fields->PathOf(key),
+                 "the " + what + " has a cycle through \"" + start->data.id + "\"");
           }
           break;
         }
         leadsOut.emplace(link, false);
         path.push_back(link);
       }
-      for (Link link : path) leadsOut[link] = true;
+      for (Link link : path)
+        leadsOut[link] = true;
     }
   }
 
@@ -753,7 +798,8 @@ class Loader {
       if (handle == 0) continue;
       auto [existing, inserted] = seen.emplace(handle, path);
       if (!inserted) {
-        Fail(path, "duplicate handle " + std::to_string(handle) + " (first used at " + existing->second + ")");
+        Fail(path, "duplicate handle " + std::to_string(handle) + " (first used at " +
+                       existing->second + ")");
       }
     }
   }

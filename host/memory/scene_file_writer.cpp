@@ -13,7 +13,9 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-std::string Utf8(std::u16string_view text) { return ToUtf8(text); }
+std::string Utf8(std::u16string_view text) {
+  return ToUtf8(text);
+}
 
 // The shortest decimal that reads back as the same float, so 0.8f is written 0.8 rather than
 // the double 0.800000011920929.
@@ -27,13 +29,20 @@ json FloatJson(float value) {
   return shortest;
 }
 
-json TripleJson(float a, float b, float c) { return json::array({FloatJson(a), FloatJson(b), FloatJson(c)}); }
-json ColorJson(const Color& color) { return TripleJson(color.r, color.g, color.b); }
-json PointJson(const Point3& point) { return TripleJson(point.x, point.y, point.z); }
+json TripleJson(float a, float b, float c) {
+  return json::array({FloatJson(a), FloatJson(b), FloatJson(c)});
+}
+json ColorJson(const Color& color) {
+  return TripleJson(color.r, color.g, color.b);
+}
+json PointJson(const Point3& point) {
+  return TripleJson(point.x, point.y, point.z);
+}
 
 json MatrixJson(const Matrix3& matrix) {
   json rows = json::array();
-  for (const Point3& row : matrix.rows) rows.push_back(PointJson(row));
+  for (const Point3& row : matrix.rows)
+    rows.push_back(PointJson(row));
   return rows;
 }
 
@@ -95,7 +104,8 @@ json ParamJson(const MemParam& param) {
   int baseType = param.type & ~TYPE_TAB;
   if ((param.type & TYPE_TAB) != 0) {
     json values = json::array();
-    for (const ParamElement& element : param.elements) values.push_back(ElementJson(element, baseType));
+    for (const ParamElement& element : param.elements)
+      values.push_back(ElementJson(element, baseType));
     out["value"] = values;
   } else {
     out["value"] = ElementJson(param.elements.at(0), baseType);
@@ -110,7 +120,8 @@ void WriteCommon(json& out, const AnimatableData& data) {
 
 void WriteClass(json& out, const AnimatableData& data) {
   out["class"] = Utf8(data.className);
-  if (data.classId != Class_ID{}) out["classId"] = json::array({Hex(data.classId.partA), Hex(data.classId.partB)});
+  if (data.classId != Class_ID{})
+    out["classId"] = json::array({Hex(data.classId.partA), Hex(data.classId.partB)});
 }
 
 void WriteParams(json& out, const AnimatableData& data) {
@@ -122,7 +133,8 @@ void WriteParams(json& out, const AnimatableData& data) {
       continue;
     }
     json params = json::array();
-    for (const MemParam& param : block->params) params.push_back(ParamJson(param));
+    for (const MemParam& param : block->params)
+      params.push_back(ParamJson(param));
     blocks.push_back(params);
   }
   out["params"] = blocks;
@@ -157,7 +169,8 @@ json NodeJson(const MemNode& node, const MemNode* root) {
 json MeshJson(const MemMesh& mesh) {
   json out;
   out["vertices"] = json::array();
-  for (const Point3& vertex : mesh.vertices) out["vertices"].push_back(PointJson(vertex));
+  for (const Point3& vertex : mesh.vertices)
+    out["vertices"].push_back(PointJson(vertex));
   out["faces"] = json::array();
   for (const MeshFace& face : mesh.faces) {
     json item = json::array({face.v[0], face.v[1], face.v[2]});
@@ -166,11 +179,13 @@ json MeshJson(const MemMesh& mesh) {
   }
   if (!mesh.vertexColors.empty()) {
     out["vertexColors"] = json::array();
-    for (const Point3& color : mesh.vertexColors) out["vertexColors"].push_back(PointJson(color));
+    for (const Point3& color : mesh.vertexColors)
+      out["vertexColors"].push_back(PointJson(color));
   }
   if (!mesh.colorFaces.empty()) {
     out["colorFaces"] = json::array();
-    for (const auto& face : mesh.colorFaces) out["colorFaces"].push_back(json::array({face[0], face[1], face[2]}));
+    for (const auto& face : mesh.colorFaces)
+      out["colorFaces"].push_back(json::array({face[0], face[1], face[2]}));
   }
   return out;
 }
@@ -202,7 +217,8 @@ json DerivedObjectJson(const MemDerivedObject& object) {
   WriteClass(out, object.data);
   WriteParams(out, object.data);
   json modifiers = json::array();
-  for (const Modifier* modifier : object.modifiers) modifiers.push_back(IdOf(modifier));
+  for (const Modifier* modifier : object.modifiers)
+    modifiers.push_back(IdOf(modifier));
   out["derived"] = {{"object", IdOf(object.objRef)}, {"modifiers", modifiers}};
   return out;
 }
@@ -232,7 +248,8 @@ json MaterialJson(const MemMtl& material) {
   json out = MtlBaseJson(material);
   if (!material.subMaterials.empty()) {
     json subs = json::array();
-    for (const Mtl* sub : material.subMaterials) subs.push_back(IdOf(sub));
+    for (const Mtl* sub : material.subMaterials)
+      subs.push_back(IdOf(sub));
     out["subMaterials"] = subs;
   }
   if (material.standard) {
@@ -259,7 +276,8 @@ json CurveCtlJson(const MemCurveCtl& control) {
       continue;
     }
     json points = json::array();
-    for (auto [x, y] : curve->points) points.push_back(json::array({FloatJson(x), FloatJson(y)}));
+    for (auto [x, y] : curve->points)
+      points.push_back(json::array({FloatJson(x), FloatJson(y)}));
     curves.push_back(points);
   }
   return curves;
@@ -295,7 +313,8 @@ json MapJson(const MemTexmap& map) {
 template <class List, class Write>
 json ListJson(const List& list, Write write) {
   json out = json::array();
-  for (const auto& item : list) out.push_back(write(*item));
+  for (const auto& item : list)
+    out.push_back(write(*item));
   return out;
 }
 
@@ -315,7 +334,8 @@ void WriteServices(json& out, const MemScene& scene) {
     for (const ScriptRule& rule : scene.scriptRules) {
       json item;
       item["contains"] = json::array();
-      for (const auto& part : rule.contains) item["contains"].push_back(Utf8(part));
+      for (const auto& part : rule.contains)
+        item["contains"].push_back(Utf8(part));
       if (rule.fails) {
         item["fails"] = true;
       } else {
@@ -338,7 +358,8 @@ void WriteServices(json& out, const MemScene& scene) {
   }
   if (!scene.fileAliases.empty()) {
     json files = json::object();
-    for (const auto& [hostPath, local] : scene.fileAliases) files[Utf8(hostPath)] = local;
+    for (const auto& [hostPath, local] : scene.fileAliases)
+      files[Utf8(hostPath)] = local;
     out["files"] = files;
   }
   out["export"] = NameOf(kExportBehaviours, scene.exportBehaviour);
@@ -352,10 +373,12 @@ std::string WriteSceneText(const MemScene& scene) {
   WriteSettings(out, scene);
   const MemNode* root = scene.nodes().front().get();
   json nodes = json::array();
-  for (size_t i = 1; i < scene.nodes().size(); ++i) nodes.push_back(NodeJson(*scene.nodes()[i], root));
+  for (size_t i = 1; i < scene.nodes().size(); ++i)
+    nodes.push_back(NodeJson(*scene.nodes()[i], root));
   out["nodes"] = nodes;
   json objects = ListJson(scene.objects(), ObjectJson);
-  for (const auto& derived : scene.derivedObjects()) objects.push_back(DerivedObjectJson(*derived));
+  for (const auto& derived : scene.derivedObjects())
+    objects.push_back(DerivedObjectJson(*derived));
   out["objects"] = objects;
   out["modifiers"] = ListJson(scene.modifiers(), ModifierJson);
   out["materials"] = ListJson(scene.materials(), MaterialJson);

@@ -1,0 +1,49 @@
+#include <ostream>
+
+#include "cli/commands.h"
+
+namespace orvane::cli {
+
+namespace {
+
+constexpr char kUsage[] =
+    "usage: orvane <command> [arguments]\n"
+    "\n"
+    "commands:\n"
+    "  scene check FILE...   load scene files and print what they hold\n"
+    "\n"
+    "options:\n"
+    "  --help                show this text\n"
+    "  --version             show the version\n"
+    "\n"
+    "Exit status: 0 on success, 1 when a scene is rejected, 2 for bad usage.\n";
+
+int UsageError(std::ostream& err, const std::string& message) {
+  err << "orvane: " << message << "\n\n" << kUsage;
+  return kExitUsage;
+}
+
+}  // namespace
+
+int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+  if (args.empty()) return UsageError(err, "no command given");
+  const std::string& command = args[0];
+  if (command == "--help" || command == "-h") {
+    out << kUsage;
+    return kExitOk;
+  }
+  if (command == "--version") {
+    out << "orvane " << ORVANE_VERSION << "\n";
+    return kExitOk;
+  }
+  if (command == "scene") {
+    if (args.size() < 2 || args[1] != "check") {
+      return UsageError(err, "expected: orvane scene check FILE...");
+    }
+    if (args.size() < 3) return UsageError(err, "scene check needs at least one scene file");
+    return RunSceneCheck({args.begin() + 2, args.end()}, out, err);
+  }
+  return UsageError(err, "unknown command \"" + command + "\"");
+}
+
+}  // namespace orvane::cli

@@ -20,18 +20,10 @@ std::vector<float> PackageLikeFloats() {
   std::vector<float> values;
   for (int i = 0; i < 4096; ++i) {
     switch (i % 4) {
-      case 0:
-        values.push_back(unit(random));
-        break;
-      case 1:
-        values.push_back(scene(random));
-        break;
-      case 2:
-        values.push_back(static_cast<float>(i % 10));
-        break;
-      default:
-        values.push_back(unit(random) * 1e-6f);
-        break;
+      case 0: values.push_back(unit(random)); break;
+      case 1: values.push_back(scene(random)); break;
+      case 2: values.push_back(static_cast<float>(i % 10)); break;
+      default: values.push_back(unit(random) * 1e-6f); break;
     }
   }
   return values;

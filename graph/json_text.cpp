@@ -57,35 +57,35 @@ std::u16string FormatJsonQuat(const host::Quat& quat) {
   return FormatJsonArray({quat.w, quat.x, quat.y, quat.z});
 }
 
+namespace {
+
+// The two-character escapes; null for characters that have none.
+const char16_t* ShortEscape(char16_t c) {
+  switch (c) {
+    case u'\t': return u"\\t";
+    case u'\n': return u"\\n";
+    case u'\r': return u"\\r";
+    case u'"': return u"\\\"";
+    case u'\\': return u"\\\\";
+    default: return nullptr;
+  }
+}
+
+}  // namespace
+
 std::u16string EscapeJsonString(std::u16string_view text) {
   static constexpr char16_t kHex[] = u"0123456789abcdef";
   std::u16string out;
   out.reserve(text.size() + 8);
   for (char16_t c : text) {
-    switch (c) {
-      case u'\t':
-        out += u"\\t";
-        break;
-      case u'\n':
-        out += u"\\n";
-        break;
-      case u'\r':
-        out += u"\\r";
-        break;
-      case u'"':
-        out += u"\\\"";
-        break;
-      case u'\\':
-        out += u"\\\\";
-        break;
-      default:
-        if (c < 0x20) {
-          out += u"\\u00";
-          out += kHex[c >> 4];
-          out += kHex[c & 0xF];
-        } else {
-          out += c;
-        }
+    if (const char16_t* escape = ShortEscape(c)) {
+      out += escape;
+    } else if (c < 0x20) {
+      out += u"\\u00";
+      out += kHex[c >> 4];
+      out += kHex[c & 0xF];
+    } else {
+      out += c;
     }
   }
   return out;

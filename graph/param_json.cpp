@@ -6,24 +6,18 @@ namespace orvane {
 
 std::u16string FormatParamValueJson(const ParamValue& value) {
   switch (value.kind) {
-    case ParamKind::kFloat:
-      return FormatJsonNumber(value.floatValue);
-    case ParamKind::kInt:
-      return AsciiToWide(std::to_string(value.intValue));
-    case ParamKind::kBool:
-      return FormatJsonBool(value.boolValue);
+    case ParamKind::kFloat: return FormatJsonNumber(value.floatValue);
+    case ParamKind::kInt: return AsciiToWide(std::to_string(value.intValue));
+    case ParamKind::kBool: return FormatJsonBool(value.boolValue);
     case ParamKind::kString: {
       std::u16string quoted = u"\"";
       quoted += EscapeJsonString(value.text);
       quoted += u'"';
       return quoted;
     }
-    case ParamKind::kColor:
-      return FormatJsonColor(value.color);
-    case ParamKind::kPoint3:
-      return FormatJsonPoint3(value.point);
-    case ParamKind::kNone:
-      break;
+    case ParamKind::kColor: return FormatJsonColor(value.color);
+    case ParamKind::kPoint3: return FormatJsonPoint3(value.point);
+    case ParamKind::kNone: break;
   }
   return {};
 }

@@ -19,10 +19,8 @@ bool IsTableOfValues(ParamType2 type) {
     case host::TYPE_POINT3_TAB:
     case host::TYPE_BOOL_TAB:
     case host::TYPE_STRING_TAB:
-    case host::TYPE_FRGBA_TAB:
-      return true;
-    default:
-      return false;
+    case host::TYPE_FRGBA_TAB: return true;
+    default: return false;
   }
 }
 
@@ -69,8 +67,7 @@ ParamValue ReadValue(const IParamBlock2& block, int index, int type, host::TimeV
     case host::TYPE_POINT3:
       if (block.GetPoint3(index, t, value.point, tabIndex)) value.kind = ParamKind::kPoint3;
       break;
-    default:
-      break;
+    default: break;
   }
   return value;
 }

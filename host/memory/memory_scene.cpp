@@ -192,11 +192,8 @@ bool MemScene::ExportToFile(std::u16string_view path, bool) {
     case ExportBehaviour::kWrites:
       succeeded = files.WriteBytes(path, "Orvane in-memory host: scene export placeholder\n");
       break;
-    case ExportBehaviour::kFails:
-      break;
-    case ExportBehaviour::kWritesNothing:
-      succeeded = true;
-      break;
+    case ExportBehaviour::kFails: break;
+    case ExportBehaviour::kWritesNothing: succeeded = true; break;
   }
   exports.push_back({std::u16string(path), succeeded});
   return succeeded;

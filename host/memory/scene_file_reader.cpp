@@ -699,33 +699,24 @@ class Loader {
       case TYPE_FLOAT:
       case TYPE_ANGLE:
       case TYPE_PCNT_FRAC:
-      case TYPE_WORLD:
-        return ReadFloat(value, path);
+      case TYPE_WORLD: return ReadFloat(value, path);
       case TYPE_INT:
-      case TYPE_INDEX:
-        return ReadInt(value, path);
+      case TYPE_INDEX: return ReadInt(value, path);
       case TYPE_BOOL:
         // A boolean is stored as an integer; any integer may be given.
         return value.is_boolean() ? static_cast<int>(value.get<bool>()) : ReadInt(value, path);
       case TYPE_RGBA:
-      case TYPE_FRGBA:
-        return ReadColor(value, path);
-      case TYPE_POINT3:
-        return ReadPoint3(value, path);
+      case TYPE_FRGBA: return ReadColor(value, path);
+      case TYPE_POINT3: return ReadPoint3(value, path);
       case TYPE_STRING:
       case TYPE_FILENAME:
         if (value.is_null()) return std::optional<std::u16string>();
         return std::optional<std::u16string>(ReadText(value, path));
-      case TYPE_MTL:
-        return static_cast<Animatable*>(Resolve<Mtl>(value, path, "material"));
-      case TYPE_TEXMAP:
-        return static_cast<Animatable*>(ResolveMap(value, path));
-      case TYPE_INODE:
-        return static_cast<Animatable*>(Resolve<INode>(value, path, "node"));
-      case TYPE_REFTARG:
-        return Resolve<Animatable>(value, path, "animatable");
-      case TYPE_MATRIX3:
-        return ReadMatrix(value, path);
+      case TYPE_MTL: return static_cast<Animatable*>(Resolve<Mtl>(value, path, "material"));
+      case TYPE_TEXMAP: return static_cast<Animatable*>(ResolveMap(value, path));
+      case TYPE_INODE: return static_cast<Animatable*>(Resolve<INode>(value, path, "node"));
+      case TYPE_REFTARG: return Resolve<Animatable>(value, path, "animatable");
+      case TYPE_MATRIX3: return ReadMatrix(value, path);
       default:
         if (!value.is_null()) Fail(path, "this parameter type holds no value; write null");
         return std::monostate();

@@ -14,14 +14,9 @@ SceneSummary SummarizeScene(MemScene& scene) {
       case GEOMOBJECT_CLASS_ID:
         if (node->GetMtl() != nullptr) ++summary.geometryWithMaterials;
         break;
-      case LIGHT_CLASS_ID:
-        ++summary.lights;
-        break;
-      case CAMERA_CLASS_ID:
-        ++summary.cameras;
-        break;
-      default:
-        break;
+      case LIGHT_CLASS_ID: ++summary.lights; break;
+      case CAMERA_CLASS_ID: ++summary.cameras; break;
+      default: break;
     }
   }
   summary.materials = static_cast<int>(scene.materials().size());

@@ -14,6 +14,15 @@ inline constexpr int kExitUsage = 2;
 // The whole command line after the program name.
 int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
+// Prints "orvane: <message>" and the usage text; answers kExitUsage.
+int UsageError(std::ostream& err, const std::string& message);
+
+// `orvane balance --service URL --token TOKEN [--ca-file FILE]`
+int RunBalance(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
+// `orvane submit --service URL --token TOKEN --job NAME [--target 5.1|5.2] [--ca-file FILE] PACKAGE`
+int RunSubmit(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
 // `orvane scene check FILE...`
 int RunSceneCheck(const std::vector<std::string>& files, std::ostream& out, std::ostream& err);
 

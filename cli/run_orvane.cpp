@@ -11,19 +11,23 @@ constexpr char kUsage[] =
     "\n"
     "commands:\n"
     "  scene check FILE...   load scene files and print what they hold\n"
+    "  balance --service URL --token TOKEN [--ca-file FILE]\n"
+    "                        show the account's daily conversions, as the panel does\n"
+    "  submit --service URL --token TOKEN --job NAME [--target 5.1|5.2] [--ca-file FILE] PACKAGE\n"
+    "                        post a scene package as a job and show the reply\n"
     "\n"
     "options:\n"
     "  --help                show this text\n"
     "  --version             show the version\n"
     "\n"
-    "Exit status: 0 on success, 1 when a scene is rejected, 2 for bad usage.\n";
+    "Exit status: 0 on success, 1 when a scene, request or job is refused, 2 for bad usage.\n";
+
+}  // namespace
 
 int UsageError(std::ostream& err, const std::string& message) {
   err << "orvane: " << message << "\n\n" << kUsage;
   return kExitUsage;
 }
-
-}  // namespace
 
 int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
   if (args.empty()) return UsageError(err, "no command given");
@@ -43,6 +47,9 @@ int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostr
     if (args.size() < 3) return UsageError(err, "scene check needs at least one scene file");
     return RunSceneCheck({args.begin() + 2, args.end()}, out, err);
   }
+  std::vector<std::string> rest(args.begin() + 1, args.end());
+  if (command == "balance") return RunBalance(rest, out, err);
+  if (command == "submit") return RunSubmit(rest, out, err);
   return UsageError(err, "unknown command \"" + command + "\"");
 }
 

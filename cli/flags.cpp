@@ -1,0 +1,36 @@
+#include "cli/flags.h"
+
+#include <algorithm>
+
+namespace orvane::cli {
+
+ParsedFlags ParseFlags(const std::vector<std::string>& args,
+                       std::initializer_list<std::string_view> allowed,
+                       std::initializer_list<std::string_view> required) {
+  ParsedFlags parsed;
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string& arg = args[i];
+    if (arg.rfind("--", 0) != 0) {
+      parsed.positional.push_back(arg);
+      continue;
+    }
+    if (std::find(allowed.begin(), allowed.end(), arg) == allowed.end()) {
+      parsed.error = "unknown option " + arg;
+      return parsed;
+    }
+    if (i + 1 >= args.size()) {
+      parsed.error = arg + " needs a value";
+      return parsed;
+    }
+    parsed.values[arg] = args[++i];
+  }
+  for (std::string_view flag : required) {
+    if (!parsed.Has(std::string(flag))) {
+      parsed.error = std::string(flag) + " is required";
+      return parsed;
+    }
+  }
+  return parsed;
+}
+
+}  // namespace orvane::cli

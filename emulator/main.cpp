@@ -26,7 +26,8 @@ constexpr char kUsage[] =
     "  --config FILE        accounts as JSON: {\"accounts\": [{\"token\", \"balance\",\n"
     "                       \"dailyLimit\", \"conversionsLeft\", \"fault\"}]}\n"
     "  --account TOKEN[:BALANCE[:DAILY_LIMIT[:LEFT[:FAULT]]]]  add an account (repeatable)\n"
-    "  --fault MODE         answer every token so: none, 500, 503, slow, drop, non-utf8, large-body\n"
+    "  --fault MODE         answer every token so: none, empty, 500, 503, slow,\n"
+    "                       drop, non-utf8, large-body\n"
     "  --slow-ms N          delay of the slow fault (default 2000)\n"
     "\n"
     "The first line printed is the address it listens on.\n";

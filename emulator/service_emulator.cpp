@@ -21,7 +21,7 @@ namespace {
 thread_local ConnectionStream* currentConnection = nullptr;
 
 constexpr std::pair<const char*, Fault> kFaultNames[] = {
-    {"none", Fault::kNone},      {"500", Fault::kStatus500},  {"503", Fault::kStatus503},
+    {"none", Fault::kNone},      {"empty", Fault::kEmpty200}, {"500", Fault::kStatus500},  {"503", Fault::kStatus503},
     {"slow", Fault::kSlow},      {"drop", Fault::kDrop},      {"non-utf8", Fault::kNonUtf8},
     {"large-body", Fault::kLargeBody},
 };
@@ -143,6 +143,7 @@ bool ServiceEmulator::Start(std::string& error) {
     Fault fault = account != nullptr && account->fault != Fault::kNone ? account->fault
                                                                        : options_.fault;
     switch (fault) {
+      case Fault::kEmpty200: return Reply(response, 200, "");
       case Fault::kStatus500: return Reply(response, 500, "");
       case Fault::kStatus503: return Reply(response, 503, "");
       case Fault::kSlow:

@@ -15,6 +15,7 @@ namespace orvane::emulator {
 // How a token's requests are answered instead of normally.
 enum class Fault {
   kNone,
+  kEmpty200,   // 200 with an empty body
   kStatus500,  // 500 with an empty body
   kStatus503,  // 503 with an empty body
   kSlow,       // the normal answer, after a delay

@@ -20,7 +20,8 @@ int UsageError(std::ostream& err, const std::string& message);
 // `orvane balance --service URL --token TOKEN [--ca-file FILE]`
 int RunBalance(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
-// `orvane submit --service URL --token TOKEN --job NAME [--target 5.1|5.2] [--ca-file FILE] PACKAGE`
+// `orvane submit --service URL --token TOKEN --job NAME [--target 5.1|5.2] [--ca-file FILE]
+// PACKAGE`
 int RunSubmit(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
 // `orvane scene check FILE...`

@@ -13,7 +13,9 @@ namespace orvane::cli {
 
 namespace {
 
-std::string Utf8(std::u16string_view text) { return ToUtf8(text); }
+std::string Utf8(std::u16string_view text) {
+  return ToUtf8(text);
+}
 
 CurlHttpClient MakeClient(const ParsedFlags& flags) {
   return CurlHttpClient(flags.Has("--ca-file") ? flags.Get("--ca-file") : std::string());
@@ -22,8 +24,10 @@ CurlHttpClient MakeClient(const ParsedFlags& flags) {
 }  // namespace
 
 int RunBalance(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
-  ParsedFlags flags = ParseFlags(args, {"--service", "--token", "--ca-file"}, {"--service", "--token"});
-  if (flags.error.empty() && !flags.positional.empty()) flags.error = "unexpected " + flags.positional[0];
+  ParsedFlags flags =
+      ParseFlags(args, {"--service", "--token", "--ca-file"}, {"--service", "--token"});
+  if (flags.error.empty() && !flags.positional.empty())
+    flags.error = "unexpected " + flags.positional[0];
   if (!flags.error.empty()) return UsageError(err, flags.error);
 
   CurlHttpClient client = MakeClient(flags);
@@ -54,10 +58,10 @@ int RunSubmit(const std::vector<std::string>& args, std::ostream& out, std::ostr
 
   CurlHttpClient client = MakeClient(flags);
   host::LocalFileSystem files;
-  HttpResult result = SubmitJob(client, files, FromUtf8(flags.Get("--service")),
-                                FromUtf8(flags.positional[0]),
-                                TrimWhitespace(FromUtf8(flags.Get("--token"))),
-                                FromUtf8(flags.Get("--job")), FromUtf8(target));
+  HttpResult result =
+      SubmitJob(client, files, FromUtf8(flags.Get("--service")), FromUtf8(flags.positional[0]),
+                TrimWhitespace(FromUtf8(flags.Get("--token"))), FromUtf8(flags.Get("--job")),
+                FromUtf8(target));
   (result.ok ? out : err) << "HTTP " << result.status << "\n" << Utf8(result.text) << "\n";
   return result.ok ? kExitOk : kExitFailure;
 }

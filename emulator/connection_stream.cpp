@@ -35,7 +35,9 @@ bool ConnectionStream::is_readable() const {
   return (ssl_ != nullptr && SSL_pending(ssl_) > 0) || WaitFor(POLLIN);
 }
 
-bool ConnectionStream::is_writable() const { return WaitFor(POLLOUT); }
+bool ConnectionStream::is_writable() const {
+  return WaitFor(POLLOUT);
+}
 
 ssize_t ConnectionStream::RawRead(char* ptr, size_t size) {
   if (ssl_ == nullptr) return recv(socket_, ptr, size, 0);

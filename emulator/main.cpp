@@ -58,7 +58,8 @@ int ToInt(const std::string& text, const std::string& what) {
 Account ParseAccount(const std::string& spec) {
   std::vector<std::string> parts;
   std::stringstream stream(spec);
-  for (std::string part; std::getline(stream, part, ':');) parts.push_back(part);
+  for (std::string part; std::getline(stream, part, ':');)
+    parts.push_back(part);
   if (parts.empty() || parts[0].empty() || parts.size() > 5) UsageError("bad --account " + spec);
   Account account{parts[0]};
   if (parts.size() > 1) account.balance = ToInt(parts[1], "the balance");
@@ -123,7 +124,8 @@ EmulatorOptions ParseOptions(const std::vector<std::string>& args) {
       UsageError("unknown option " + flag);
     }
   }
-  if (options.certFile.empty() != options.keyFile.empty()) UsageError("--cert and --key go together");
+  if (options.certFile.empty() != options.keyFile.empty())
+    UsageError("--cert and --key go together");
   return options;
 }
 
@@ -138,10 +140,12 @@ int main(int argc, char** argv) {
     return 1;
   }
   std::cout << "orvane-service listening on " << emulator.BaseUrl() << std::endl;
-  if (options.https) std::cout << "certificate: " << emulator.CertificateFile().string() << std::endl;
+  if (options.https)
+    std::cout << "certificate: " << emulator.CertificateFile().string() << std::endl;
   std::signal(SIGINT, [](int) { stopRequested = 1; });
   std::signal(SIGTERM, [](int) { stopRequested = 1; });
-  while (!stopRequested) std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  while (!stopRequested)
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
   emulator.Stop();
   return 0;
 }

@@ -56,19 +56,21 @@ bool WriteSelfSignedCertificate(const std::filesystem::path& certFile,
   X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC,
                              reinterpret_cast<const unsigned char*>("127.0.0.1"), -1, -1, 0);
   X509_set_issuer_name(cert.get(), name);
-  bool extended = AddExtension(cert.get(), NID_subject_alt_name, "IP:127.0.0.1,DNS:localhost") &&
-                  AddExtension(cert.get(), NID_basic_constraints, "critical,CA:TRUE") &&
-                  AddExtension(cert.get(), NID_key_usage, "critical,digitalSignature,keyCertSign") &&
-                  AddExtension(cert.get(), NID_ext_key_usage, "serverAuth");
+  bool extended =
+      AddExtension(cert.get(), NID_subject_alt_name, "IP:127.0.0.1,DNS:localhost") &&
+      AddExtension(cert.get(), NID_basic_constraints, "critical,CA:TRUE") &&
+      AddExtension(cert.get(), NID_key_usage, "critical,digitalSignature,keyCertSign") &&
+      AddExtension(cert.get(), NID_ext_key_usage, "serverAuth");
   if (!extended || X509_sign(cert.get(), key.get(), EVP_sha256()) == 0) {
     error = "cannot sign the certificate";
     return false;
   }
-  bool written =
-      WritePem(keyFile, [&](FILE* file) {
-        return PEM_write_PrivateKey(file, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
-      }) &&
-      WritePem(certFile, [&](FILE* file) { return PEM_write_X509(file, cert.get()); });
+  bool written = WritePem(keyFile,
+                          [&](FILE* file) {
+                            return PEM_write_PrivateKey(file, key.get(), nullptr, nullptr, 0,
+                                                        nullptr, nullptr);
+                          }) &&
+                 WritePem(certFile, [&](FILE* file) { return PEM_write_X509(file, cert.get()); });
   if (!written) error = "cannot write " + certFile.string() + " or " + keyFile.string();
   return written;
 }

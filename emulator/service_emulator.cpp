@@ -3,9 +3,9 @@
 #include <openssl/ssl.h>
 #include <unistd.h>
 
+#include <httplib.h>
 #include <chrono>
 #include <fstream>
-#include <httplib.h>
 
 #include "emulator/connection_stream.h"
 #include "emulator/self_signed.h"
@@ -21,9 +21,10 @@ namespace {
 thread_local ConnectionStream* currentConnection = nullptr;
 
 constexpr std::pair<const char*, Fault> kFaultNames[] = {
-    {"none", Fault::kNone},      {"empty", Fault::kEmpty200}, {"500", Fault::kStatus500},  {"503", Fault::kStatus503},
-    {"slow", Fault::kSlow},      {"drop", Fault::kDrop},      {"non-utf8", Fault::kNonUtf8},
-    {"large-body", Fault::kLargeBody},
+    {"none", Fault::kNone},        {"empty", Fault::kEmpty200},
+    {"500", Fault::kStatus500},    {"503", Fault::kStatus503},
+    {"slow", Fault::kSlow},        {"drop", Fault::kDrop},
+    {"non-utf8", Fault::kNonUtf8}, {"large-body", Fault::kLargeBody},
 };
 
 std::string BearerToken(const httplib::Request& request) {
@@ -74,9 +75,8 @@ class ServiceEmulator::Server final : public httplib::Server {
     }
     ConnectionStream stream(socket, ssl);
     bool closed = false;
-    bool served = process_request(stream, true, closed, [&](httplib::Request&) {
-      currentConnection = &stream;
-    });
+    bool served = process_request(stream, true, closed,
+                                  [&](httplib::Request&) { currentConnection = &stream; });
     currentConnection = nullptr;
     if (ssl != nullptr) {
       SSL_shutdown(ssl);
@@ -92,7 +92,9 @@ class ServiceEmulator::Server final : public httplib::Server {
 
 ServiceEmulator::ServiceEmulator(EmulatorOptions options) : options_(std::move(options)) {}
 
-ServiceEmulator::~ServiceEmulator() { Stop(); }
+ServiceEmulator::~ServiceEmulator() {
+  Stop();
+}
 
 std::string ServiceEmulator::BaseUrl() const {
   return std::string(options_.https ? "https" : "http") + "://" + options_.host + ":" +
@@ -116,103 +118,12 @@ bool ServiceEmulator::Start(std::string& error) {
   std::error_code ignored;
   fs::create_directories(options_.dataFolder / "jobs", ignored);
   SSL_CTX* tls = nullptr;
-  if (options_.https) {
-    if (options_.certFile.empty()) {
-      options_.certFile = options_.dataFolder / "emulator-cert.pem";
-      options_.keyFile = options_.dataFolder / "emulator-key.pem";
-      if (!WriteSelfSignedCertificate(options_.certFile, options_.keyFile, error)) return false;
-    }
-    tls = SSL_CTX_new(TLS_server_method());
-    if (SSL_CTX_use_certificate_chain_file(tls, options_.certFile.c_str()) != 1 ||
-        SSL_CTX_use_PrivateKey_file(tls, options_.keyFile.c_str(), SSL_FILETYPE_PEM) != 1) {
-      SSL_CTX_free(tls);
-      error = "cannot use the certificate " + options_.certFile.string();
-      return false;
-    }
-  }
+  if (options_.https && !CreateTlsContext(tls, error)) return false;
   server_ = std::make_unique<Server>(tls);
-
-  auto answer = [this](const httplib::Request& request, httplib::Response& response,
-                       auto normal) {
-    std::unique_lock lock(mutex_);
-    std::string token = BearerToken(request);
-    Account* account = nullptr;
-    for (Account& candidate : options_.accounts) {
-      if (candidate.token == token && !token.empty()) account = &candidate;
-    }
-    Fault fault = account != nullptr && account->fault != Fault::kNone ? account->fault
-                                                                       : options_.fault;
-    switch (fault) {
-      case Fault::kEmpty200: return Reply(response, 200, "");
-      case Fault::kStatus500: return Reply(response, 500, "");
-      case Fault::kStatus503: return Reply(response, 503, "");
-      case Fault::kSlow:
-        lock.unlock();
-        std::this_thread::sleep_for(std::chrono::milliseconds(options_.slowMs));
-        lock.lock();
-        break;
-      default: break;
-    }
-    if (account == nullptr) {
-      return Reply(response, 401, "{\"success\":false,\"error\":\"missing or invalid token\"}");
-    }
-    normal(request, response, *account, fault);
-  };
-
-  server_->Get("/api/balance", [answer](const httplib::Request& request,
-                                        httplib::Response& response) {
-    answer(request, response, [](auto&, httplib::Response& reply, Account& account, Fault fault) {
-      std::string body = BalanceJson(account);
-      if (fault == Fault::kNonUtf8) body.insert(body.size() - 1, ",\"note\":\"caf\xe9 \xff\xfe\"");
-      if (fault == Fault::kLargeBody) {
-        body.insert(body.size() - 1, ",\"padding\":\"" + std::string(16 << 20, 'x') + "\"");
-      }
-      if (fault == Fault::kDrop && currentConnection != nullptr) {
-        currentConnection->DropDuringBody();
-        body.insert(body.size() - 1, ",\"padding\":\"" + std::string(64 << 10, 'x') + "\"");
-      }
-      Reply(reply, 200, body);
-    });
-  });
-
-  server_->Post("/node/api/v1/jobs", [this, answer](const httplib::Request& request,
-                                                    httplib::Response& response) {
-    answer(request, response, [this](const httplib::Request& job, httplib::Response& reply,
-                                     Account& account, Fault) {
-      if (account.balance <= 0) {
-        return Reply(reply, 402, "{\"success\":false,\"error\":\"insufficient balance\"}");
-      }
-      if (account.dailyLimit > 0 && account.conversionsLeft <= 0) {
-        return Reply(reply, 429, "{\"success\":false,\"error\":\"daily limit reached\"}");
-      }
-      --account.balance;
-      if (account.dailyLimit > 0) --account.conversionsLeft;
-      char id[16];
-      std::snprintf(id, sizeof id, "%06d", ++jobCount_);
-      fs::path folder = options_.dataFolder / "jobs" / id;
-      fs::create_directories(folder);
-      std::ofstream(folder / "head.txt", std::ios::binary)
-          << (currentConnection != nullptr ? currentConnection->head() : std::string());
-      std::ofstream(folder / "body.json", std::ios::binary) << job.body;
-      Reply(reply, 200, std::string("{\"success\":true,\"job_id\":\"job-") + id + "\"}");
-    });
-  });
-
-  server_->set_logger([this](const httplib::Request& request, const httplib::Response& response) {
-    RequestRecord record{request.method, request.path, response.status,
-                         currentConnection != nullptr ? currentConnection->head() : "",
-                         request.body.size()};
-    std::lock_guard lock(mutex_);
-    std::ofstream(options_.dataFolder / "requests.log", std::ios::app)
-        << record.method << ' ' << record.path << ' ' << record.status << ' ' << record.bodyBytes
-        << '\n';
-    requests_.push_back(std::move(record));
-  });
-
-  port_ = options_.port == 0 ? server_->bind_to_any_port(options_.host)
-                             : (server_->bind_to_port(options_.host, options_.port)
-                                    ? options_.port
-                                    : -1);
+  AddRoutes();
+  port_ = options_.port == 0
+              ? server_->bind_to_any_port(options_.host)
+              : (server_->bind_to_port(options_.host, options_.port) ? options_.port : -1);
   if (port_ <= 0) {
     error = "cannot listen on " + options_.host + ":" + std::to_string(options_.port);
     server_.reset();
@@ -220,8 +131,114 @@ bool ServiceEmulator::Start(std::string& error) {
   }
   thread_ = std::thread([this] { server_->listen_after_bind(); });
   // The library has no readiness call; it is ready once it reports running.
-  while (!server_->is_running()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  while (!server_->is_running())
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
   return true;
+}
+
+bool ServiceEmulator::CreateTlsContext(SSL_CTX*& tls, std::string& error) {
+  if (options_.certFile.empty()) {
+    options_.certFile = options_.dataFolder / "emulator-cert.pem";
+    options_.keyFile = options_.dataFolder / "emulator-key.pem";
+    if (!WriteSelfSignedCertificate(options_.certFile, options_.keyFile, error)) return false;
+  }
+  tls = SSL_CTX_new(TLS_server_method());
+  if (SSL_CTX_use_certificate_chain_file(tls, options_.certFile.c_str()) != 1 ||
+      SSL_CTX_use_PrivateKey_file(tls, options_.keyFile.c_str(), SSL_FILETYPE_PEM) != 1) {
+    SSL_CTX_free(tls);
+    error = "cannot use the certificate " + options_.certFile.string();
+    return false;
+  }
+  return true;
+}
+
+// Finds the caller's account and applies its fault; the normal answer is left to `normal`.
+void ServiceEmulator::Answer(const httplib::Request& request, httplib::Response& response,
+                             const AccountHandler& normal) {
+  std::unique_lock lock(mutex_);
+  std::string token = BearerToken(request);
+  Account* account = nullptr;
+  for (Account& candidate : options_.accounts) {
+    if (!token.empty() && candidate.token == token) account = &candidate;
+  }
+  Fault fault =
+      account != nullptr && account->fault != Fault::kNone ? account->fault : options_.fault;
+  switch (fault) {
+    case Fault::kEmpty200: return Reply(response, 200, "");
+    case Fault::kStatus500: return Reply(response, 500, "");
+    case Fault::kStatus503: return Reply(response, 503, "");
+    case Fault::kSlow:
+      lock.unlock();
+      std::this_thread::sleep_for(std::chrono::milliseconds(options_.slowMs));
+      lock.lock();
+      break;
+    default: break;
+  }
+  if (account == nullptr) {
+    return Reply(response, 401, "{\"success\":false,\"error\":\"missing or invalid token\"}");
+  }
+  normal(request, response, *account, fault);
+}
+
+void ServiceEmulator::AnswerBalance(httplib::Response& response, const Account& account,
+                                    Fault fault) {
+  std::string body = BalanceJson(account);
+  auto pad = [&body](const std::string& member) { body.insert(body.size() - 1, member); };
+  if (fault == Fault::kNonUtf8) pad(",\"note\":\"caf\xe9 \xff\xfe\"");
+  if (fault == Fault::kLargeBody) pad(",\"padding\":\"" + std::string(16 << 20, 'x') + "\"");
+  if (fault == Fault::kDrop && currentConnection != nullptr) {
+    currentConnection->DropDuringBody();
+    pad(",\"padding\":\"" + std::string(64 << 10, 'x') + "\"");
+  }
+  Reply(response, 200, body);
+}
+
+void ServiceEmulator::AnswerJob(const httplib::Request& request, httplib::Response& response,
+                                Account& account) {
+  if (account.balance <= 0) {
+    return Reply(response, 402, "{\"success\":false,\"error\":\"insufficient balance\"}");
+  }
+  if (account.dailyLimit > 0 && account.conversionsLeft <= 0) {
+    return Reply(response, 429, "{\"success\":false,\"error\":\"daily limit reached\"}");
+  }
+  --account.balance;
+  if (account.dailyLimit > 0) --account.conversionsLeft;
+  char id[16];
+  std::snprintf(id, sizeof id, "%06d", ++jobCount_);
+  fs::path folder = options_.dataFolder / "jobs" / id;
+  fs::create_directories(folder);
+  std::ofstream(folder / "head.txt", std::ios::binary)
+      << (currentConnection != nullptr ? currentConnection->head() : std::string());
+  std::ofstream(folder / "body.json", std::ios::binary) << request.body;
+  Reply(response, 200, std::string("{\"success\":true,\"job_id\":\"job-") + id + "\"}");
+}
+
+void ServiceEmulator::AddRoutes() {
+  server_->Get("/api/balance",
+               [this](const httplib::Request& request, httplib::Response& response) {
+                 Answer(request, response,
+                        [this](const httplib::Request&, httplib::Response& reply, Account& account,
+                               Fault fault) { AnswerBalance(reply, account, fault); });
+               });
+  server_->Post("/node/api/v1/jobs",
+                [this](const httplib::Request& request, httplib::Response& response) {
+                  Answer(request, response,
+                         [this](const httplib::Request& job, httplib::Response& reply,
+                                Account& account, Fault) { AnswerJob(job, reply, account); });
+                });
+  // Recorded before the reply is written, so a client that has its answer finds its request
+  // in the record.
+  server_->set_post_routing_handler(
+      [this](const httplib::Request& request, httplib::Response& response) {
+        RequestRecord record{request.method, request.path, response.status,
+                             currentConnection != nullptr ? currentConnection->head() : "",
+                             request.body.size()};
+        std::lock_guard lock(mutex_);
+        std::ofstream(options_.dataFolder / "requests.log", std::ios::app)
+            << record.method << ' ' << record.path << ' ' << record.status << ' '
+            << record.bodyBytes << '\n';
+        requests_.push_back(std::move(record));
+      });
 }
 
 void ServiceEmulator::Stop() {

@@ -3,12 +3,20 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
 #include <vector>
+
+typedef struct ssl_ctx_st SSL_CTX;
+
+namespace httplib {
+struct Request;
+struct Response;
+}  // namespace httplib
 
 namespace orvane::emulator {
 
@@ -72,6 +80,15 @@ class ServiceEmulator {
 
  private:
   class Server;
+  using AccountHandler =
+      std::function<void(const httplib::Request&, httplib::Response&, struct Account&, Fault)>;
+
+  bool CreateTlsContext(SSL_CTX*& tls, std::string& error);
+  void AddRoutes();
+  void Answer(const httplib::Request& request, httplib::Response& response,
+              const AccountHandler& normal);
+  void AnswerBalance(httplib::Response& response, const Account& account, Fault fault);
+  void AnswerJob(const httplib::Request& request, httplib::Response& response, Account& account);
 
   EmulatorOptions options_;
   int port_ = 0;

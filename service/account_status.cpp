@@ -7,14 +7,19 @@ namespace orvane {
 
 namespace {
 
-std::u16string Decimal(int32_t value) { return AsciiToWide(std::to_string(value)); }
+std::u16string Decimal(int32_t value) {
+  return AsciiToWide(std::to_string(value));
+}
 
 size_t SkipBlanks(std::u16string_view text, size_t at) {
-  while (at < text.size() && (text[at] == u' ' || text[at] == u'\t')) ++at;
+  while (at < text.size() && (text[at] == u' ' || text[at] == u'\t'))
+    ++at;
   return at;
 }
 
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+bool IsDigit(char16_t c) {
+  return c >= u'0' && c <= u'9';
+}
 
 bool Contains(std::u16string_view text, std::u16string_view part) {
   return text.find(part) != std::u16string_view::npos;
@@ -32,7 +37,8 @@ bool ReadIntegerMember(std::u16string_view text, std::u16string_view key, int32_
   size_t numberStart = at;
   if (at < text.size() && (text[at] == u'-' || text[at] == u'+')) ++at;
   if (at >= text.size() || !IsDigit(text[at])) return false;
-  while (at < text.size() && IsDigit(text[at])) ++at;
+  while (at < text.size() && IsDigit(text[at]))
+    ++at;
   value = ParseLeadingInt(text.substr(numberStart, at - numberStart));
   return true;
 }
@@ -66,7 +72,8 @@ AccountStatus QueryAccountStatus(HttpClient& client, std::u16string_view baseUrl
 std::u16string BalanceText(const AccountStatus& status) {
   if (status.dailyLimit == 0) return u"Unlimited conversions";
   if (status.dailyLimit < 0 || status.conversionsLeft < 0) return {};
-  if (status.conversionsLeft == 0) return u"Daily limit reached (" + Decimal(status.dailyLimit) + u"/day)";
+  if (status.conversionsLeft == 0)
+    return u"Daily limit reached (" + Decimal(status.dailyLimit) + u"/day)";
   return Decimal(status.conversionsLeft) + u" of " + Decimal(status.dailyLimit) +
          u" conversions left today";
 }

@@ -13,8 +13,8 @@ inline constexpr std::u16string_view kBalancePath = u"/api/balance";
 
 struct AccountStatus {
   bool ok = false;
-  int32_t balance = 0;           // read, never shown
-  int32_t dailyLimit = -1;       // 0 means unlimited
+  int32_t balance = 0;      // read, never shown
+  int32_t dailyLimit = -1;  // 0 means unlimited
   int32_t conversionsLeft = -1;
   // "token_empty", "invalid_token", the service's or transport's text, or "http_" + status.
   std::u16string error;

@@ -60,7 +60,8 @@ HttpExchange CurlHttpClient::Exchange(const ParsedUrl& url, std::u16string_view 
   // ("Expect: 100-continue" would also cost a round trip before every large package).
   HeaderList headers;
   Append(headers, "Accept:");
-  for (const std::u16string& line : headerLines) Append(headers, ToUtf8(line));
+  for (const std::u16string& line : headerLines)
+    Append(headers, ToUtf8(line));
   Append(headers, "Expect:");
 
   std::string target = ToUrl(url);

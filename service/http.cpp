@@ -6,7 +6,9 @@ namespace orvane {
 
 namespace {
 
-std::u16string Decimal(int64_t value) { return AsciiToWide(std::to_string(value)); }
+std::u16string Decimal(int64_t value) {
+  return AsciiToWide(std::to_string(value));
+}
 
 std::vector<std::u16string> HeaderLines(std::u16string_view token, std::u16string_view extra,
                                         bool hasBody) {

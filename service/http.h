@@ -11,8 +11,8 @@
 namespace orvane {
 
 struct HttpResult {
-  bool ok = false;     // a status from 200 to 299 was read
-  int32_t status = 0;  // stays 0 when no status was read
+  bool ok = false;      // a status from 200 to 299 was read
+  int32_t status = 0;   // stays 0 when no status was read
   std::u16string text;  // the reply body, or an error message
 };
 

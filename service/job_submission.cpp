@@ -4,10 +4,9 @@
 
 namespace orvane {
 
-HttpResult SubmitJob(HttpClient& client, const host::FileSystem& files,
-                     std::u16string_view baseUrl, std::u16string_view packagePath,
-                     std::u16string_view token, std::u16string_view jobName,
-                     std::u16string_view blenderTarget) {
+HttpResult SubmitJob(HttpClient& client, const host::FileSystem& files, std::u16string_view baseUrl,
+                     std::u16string_view packagePath, std::u16string_view token,
+                     std::u16string_view jobName, std::u16string_view blenderTarget) {
   std::optional<std::string> package =
       files.ReadBytes(packagePath, std::numeric_limits<uint64_t>::max());
   if (!package) return {false, 0, u"Cannot read JSON file: " + std::u16string(packagePath)};

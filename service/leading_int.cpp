@@ -6,7 +6,8 @@ namespace orvane {
 
 int32_t ParseLeadingInt(std::u16string_view text) {
   size_t i = 0;
-  while (i < text.size() && (text[i] == u' ' || (text[i] >= u'\t' && text[i] <= u'\r'))) ++i;
+  while (i < text.size() && (text[i] == u' ' || (text[i] >= u'\t' && text[i] <= u'\r')))
+    ++i;
   bool negative = false;
   if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) negative = text[i++] == u'-';
   constexpr int64_t kLimit = int64_t{std::numeric_limits<int32_t>::max()} + 1;

@@ -15,7 +15,8 @@ std::optional<ParsedUrl> ParseUrl(std::u16string_view url) {
   std::u16string_view rest = url.substr(schemeEnd + 3);
   size_t pathStart = rest.find(u'/');
   std::u16string_view hostPart = rest.substr(0, pathStart);
-  parsed.path = pathStart == std::u16string_view::npos ? u"/" : std::u16string(rest.substr(pathStart));
+  parsed.path =
+      pathStart == std::u16string_view::npos ? u"/" : std::u16string(rest.substr(pathStart));
   size_t colon = hostPart.find(u':');
   if (colon != std::u16string_view::npos) {
     parsed.port = ParseLeadingInt(hostPart.substr(colon + 1));

@@ -59,11 +59,16 @@ class ServiceOverSockets : public ::testing::Test {
     options.dataFolder = data_;
     options.slowMs = 300;
     options.accounts = {
-        {"good", 5, 10, 7},         {"limit", 5, 3, 0},
-        {"unlimited", 50, 0, -1},   {"broke", 0, 10, 10},
-        {"empty", 5, 0, -1, Fault::kEmpty200},   {"e503", 5, 0, -1, Fault::kStatus503},
-        {"e500", 5, 0, -1, Fault::kStatus500},   {"drop", 5, 10, 4, Fault::kDrop},
-        {"slow", 5, 10, 4, Fault::kSlow},        {"nonutf8", 5, 10, 4, Fault::kNonUtf8},
+        {"good", 5, 10, 7},
+        {"limit", 5, 3, 0},
+        {"unlimited", 50, 0, -1},
+        {"broke", 0, 10, 10},
+        {"empty", 5, 0, -1, Fault::kEmpty200},
+        {"e503", 5, 0, -1, Fault::kStatus503},
+        {"e500", 5, 0, -1, Fault::kStatus500},
+        {"drop", 5, 10, 4, Fault::kDrop},
+        {"slow", 5, 10, 4, Fault::kSlow},
+        {"nonutf8", 5, 10, 4, Fault::kNonUtf8},
         {"large", 5, 10, 4, Fault::kLargeBody},
     };
     options.https = UseHttps();
@@ -72,7 +77,8 @@ class ServiceOverSockets : public ::testing::Test {
     ASSERT_TRUE(emulator_->Start(error)) << error;
     base_ = FromUtf8(emulator_->BaseUrl());
     package_ = data_ / "1.json";
-    std::ofstream(package_, std::ios::binary) << "{\n  \"exporter\": \"Velmora\",\n  \"objects\": []\n}";
+    std::ofstream(package_, std::ios::binary)
+        << "{\n  \"exporter\": \"Velmora\",\n  \"objects\": []\n}";
   }
   void TearDown() override {
     emulator_.reset();
@@ -108,8 +114,8 @@ TEST_F(ServiceOverSockets, EveryTransportOutcome) {
        u"{\"success\":true,\"balance\":5,\"daily_limit\":10,\"conversions_left\":7}", false},
       {balance, u"empty", true, 200, u"", false},
       {base_ + u"/nowhere", u"good", false, 404, u"Server returned HTTP 404", false},
-      {balance, u"stranger", false, 401, u"{\"success\":false,\"error\":\"missing or invalid token\"}",
-       false},
+      {balance, u"stranger", false, 401,
+       u"{\"success\":false,\"error\":\"missing or invalid token\"}", false},
       {balance, u"e503", false, 503, u"Server returned HTTP 503", false},
       {balance, u"e500", false, 500, u"Server returned HTTP 500", false},
       // A reply that breaks off after its headers keeps what arrived, as on Windows.
@@ -176,13 +182,16 @@ TEST_F(ServiceOverSockets, AJobArrivesWithItsHeadersInOrderAndItsBytesUnchanged)
   std::string port = emulator_->BaseUrl().substr(emulator_->BaseUrl().rfind(':') + 1);
   EXPECT_EQ(emulator_->Requests().back().head,
             "POST /node/api/v1/jobs HTTP/1.1\r\n"
-            "Host: 127.0.0.1:" + port + "\r\n"
-            "User-Agent: Orvane-Platform/2.0\r\n"
-            "Authorization: Bearer good\r\n"
-            "X-Job-Name: Loft%20interior%20%C3%BC_3kq9x0ab\r\n"
-            "X-Blender-Target-Version: 5.2\r\n"
-            "Content-Type: application/json; charset=utf-8\r\n"
-            "Content-Length: " + std::to_string(package.size()) + "\r\n\r\n");
+            "Host: 127.0.0.1:" +
+                port +
+                "\r\n"
+                "User-Agent: Orvane-Platform/2.0\r\n"
+                "Authorization: Bearer good\r\n"
+                "X-Job-Name: Loft%20interior%20%C3%BC_3kq9x0ab\r\n"
+                "X-Blender-Target-Version: 5.2\r\n"
+                "Content-Type: application/json; charset=utf-8\r\n"
+                "Content-Length: " +
+                std::to_string(package.size()) + "\r\n\r\n");
   EXPECT_EQ(ReadFile(data_ / "jobs" / "000001" / "body.json"), package);
   EXPECT_EQ(ReadFile(data_ / "jobs" / "000001" / "head.txt"), emulator_->Requests().back().head);
   // The accepted job used one of the day's conversions.
@@ -239,17 +248,27 @@ TEST_F(ServiceOverSockets, TheCommandsShowWhatThePanelWould) {
     int exitCode;
     std::string out, err;
   } cases[] = {
-      {{"balance", "--service", service, "--token", " good "}, cli::kExitOk,
-       "7 of 10 conversions left today\n", ""},
-      {{"balance", "--service", service, "--token", "stranger"}, cli::kExitFailure, "",
+      {{"balance", "--service", service, "--token", " good "},
+       cli::kExitOk,
+       "7 of 10 conversions left today\n",
+       ""},
+      {{"balance", "--service", service, "--token", "stranger"},
+       cli::kExitFailure,
+       "",
        "Invalid token.\nUpdate your token at " + ToUtf8(kDashboardUrl) + "\n"},
-      {{"balance", "--service", service, "--token", "e503"}, cli::kExitFailure, "",
+      {{"balance", "--service", service, "--token", "e503"},
+       cli::kExitFailure,
+       "",
        "Connection error:\nServer returned HTTP 503\n"},
       {{"submit", "--service", service, "--token", "good", "--job", "desk", package_.string()},
-       cli::kExitOk, "HTTP 200\n{\"success\":true,\"job_id\":\"job-000001\"}\n", ""},
+       cli::kExitOk,
+       "HTTP 200\n{\"success\":true,\"job_id\":\"job-000001\"}\n",
+       ""},
       {{"submit", "--service", service, "--token", "broke", "--job", "desk", "--target", "5.1",
         package_.string()},
-       cli::kExitFailure, "", "HTTP 402\n{\"success\":false,\"error\":\"insufficient balance\"}\n"},
+       cli::kExitFailure,
+       "",
+       "HTTP 402\n{\"success\":false,\"error\":\"insufficient balance\"}\n"},
   };
   for (const auto& c : cases) {
     std::ostringstream out, err;
@@ -273,7 +292,8 @@ TEST_F(ServiceOverTls, TheEmulatorCertificateIsTrustedOnlyWhenGiven) {
   CurlHttpClient trusting(emulator_->CertificateFile().string());
   AccountStatus status = QueryAccountStatus(trusting, base_, u"good");
   EXPECT_TRUE(status.ok) << ToUtf8(status.error);
-  HttpResult job = SubmitJob(trusting, files_, base_, package_.u16string(), u"good", u"tls job", u"5.2");
+  HttpResult job =
+      SubmitJob(trusting, files_, base_, package_.u16string(), u"good", u"tls job", u"5.2");
   EXPECT_TRUE(job.ok) << ToUtf8(job.text);
   // Verification is never switched off: without the certificate the peer is not trusted.
   AccountStatus untrusted = QueryAccountStatus(client_, base_, u"good");

@@ -55,7 +55,8 @@ TEST(ServiceUrl, PercentEncodesEveryByteButTheUnreservedOnes) {
       {u"\u6728\U0001F3E0", u"%E6%9C%A8%F0%9F%8F%A0"},
       {std::u16string{0xD800}, u"%EF%BF%BD"},  // a lone surrogate is sent as U+FFFD
   };
-  for (const auto& c : cases) EXPECT_EQ(PercentEncode(c.in), c.out);
+  for (const auto& c : cases)
+    EXPECT_EQ(PercentEncode(c.in), c.out);
 }
 
 TEST(ServiceNumbers, LeadingIntegersReadLikeTheRuntime) {
@@ -63,13 +64,20 @@ TEST(ServiceNumbers, LeadingIntegersReadLikeTheRuntime) {
     const char16_t* text;
     int32_t value;
   } cases[] = {
-      {u"42", 42},          {u"  -7x", -7},       {u"+15", 15},
-      {u"abc", 0},          {u"", 0},             {u"\t\n3", 3},
-      {u"2147483647", 2147483647},               {u"2147483648", 2147483647},
-      {u"-2147483648", -2147483647 - 1},         {u"-99999999999999999999", -2147483647 - 1},
+      {u"42", 42},
+      {u"  -7x", -7},
+      {u"+15", 15},
+      {u"abc", 0},
+      {u"", 0},
+      {u"\t\n3", 3},
+      {u"2147483647", 2147483647},
+      {u"2147483648", 2147483647},
+      {u"-2147483648", -2147483647 - 1},
+      {u"-99999999999999999999", -2147483647 - 1},
       {u"- 5", 0},
   };
-  for (const auto& c : cases) EXPECT_EQ(ParseLeadingInt(c.text), c.value) << ToUtf8(c.text);
+  for (const auto& c : cases)
+    EXPECT_EQ(ParseLeadingInt(c.text), c.value) << ToUtf8(c.text);
 }
 
 TEST(ServiceNumbers, IntegerMembersAreReadWithoutParsingTheJson) {
@@ -103,9 +111,12 @@ TEST(ServiceBalance, TheQuotaLineFollowsLimitAndConversionsLeft) {
     int32_t limit, left;
     const char16_t* text;
   } cases[] = {
-      {0, -1, u"Unlimited conversions"},  {0, 5, u"Unlimited conversions"},
-      {3, 0, u"Daily limit reached (3/day)"}, {10, 7, u"7 of 10 conversions left today"},
-      {10, -1, u""},                      {-1, 4, u""},
+      {0, -1, u"Unlimited conversions"},
+      {0, 5, u"Unlimited conversions"},
+      {3, 0, u"Daily limit reached (3/day)"},
+      {10, 7, u"7 of 10 conversions left today"},
+      {10, -1, u""},
+      {-1, 4, u""},
   };
   for (const auto& c : cases) {
     AccountStatus status;
@@ -156,7 +167,9 @@ TEST(ServiceRequest, EveryOutcomeBecomesItsResult) {
       {{Outcome::kConnectFailed, 0, "", 0}, false, 0, u"WinHttpConnect failed"},
       {{Outcome::kRequestFailed, 0, "", 0}, false, 0, u"WinHttpOpenRequest failed"},
       {{Outcome::kSendFailed, 0, "", 12029}, false, 0, u"HTTP request failed, GetLastError=12029"},
-      {{Outcome::kStatusUnreadable, 0, "x", 5}, false, 0,
+      {{Outcome::kStatusUnreadable, 0, "x", 5},
+       false,
+       0,
        u"Could not read HTTP status code, GetLastError=5"},
       {Replied(200, "{}"), true, 200, u"{}"},
       {Replied(204, ""), true, 204, u""},
@@ -214,8 +227,11 @@ TEST(ServiceAccount, TheServiceWordsForABadTokenDecideBeforeTheStatus) {
       {Replied(500, "{\"error\":\"db down\"}"), false, u"{\"error\":\"db down\"}", -1, -1},
       // The transport has already put words to an empty refusal.
       {Replied(503, ""), false, u"Server returned HTTP 503", -1, -1},
-      {{HttpExchange::Outcome::kSendFailed, 0, "", 7}, false, u"HTTP request failed, GetLastError=7",
-       -1, -1},
+      {{HttpExchange::Outcome::kSendFailed, 0, "", 7},
+       false,
+       u"HTTP request failed, GetLastError=7",
+       -1,
+       -1},
   };
   for (const auto& c : cases) {
     ScriptedClient client(c.exchange);

@@ -24,6 +24,9 @@ int RunBalance(const std::vector<std::string>& args, std::ostream& out, std::ost
 // PACKAGE`
 int RunSubmit(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
+// `orvane material SCENE NODE`: the material record of the first node (in scene order) so named.
+int RunMaterial(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
 // `orvane scene check FILE...`
 int RunSceneCheck(const std::vector<std::string>& files, std::ostream& out, std::ostream& err);
 

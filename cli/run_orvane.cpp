@@ -11,6 +11,8 @@ constexpr char kUsage[] =
     "\n"
     "commands:\n"
     "  scene check FILE...   load scene files and print what they hold\n"
+    "  material SCENE NODE   print the material record of a node's material, as the package\n"
+    "                        carries it\n"
     "  balance --service URL --token TOKEN [--ca-file FILE]\n"
     "                        show the account's daily conversions, as the panel does\n"
     "  submit --service URL --token TOKEN --job NAME [--target 5.1|5.2] [--ca-file FILE] PACKAGE\n"
@@ -48,6 +50,7 @@ int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostr
     return RunSceneCheck({args.begin() + 2, args.end()}, out, err);
   }
   std::vector<std::string> rest(args.begin() + 1, args.end());
+  if (command == "material") return RunMaterial(rest, out, err);
   if (command == "balance") return RunBalance(rest, out, err);
   if (command == "submit") return RunSubmit(rest, out, err);
   return UsageError(err, "unknown command \"" + command + "\"");

@@ -51,7 +51,7 @@ class Mtl : public MtlBase {
   // May answer null for an empty slot.
   virtual Mtl* GetSubMtl(int index) const = 0;
   // The standard-material interface, or null when the material is not a standard material.
-  virtual StdMat2* GetStdMat2() { return nullptr; }
+  virtual StdMat2* GetStdMat2() const { return nullptr; }
 };
 
 // The texture-coordinate generator of a bitmap map.
@@ -101,7 +101,7 @@ class ICurveCtl {
 class Texmap : public MtlBase {
  public:
   // Non-null only for the host's standard bitmap map.
-  virtual BitmapTex* GetBitmapTex() { return nullptr; }
+  virtual BitmapTex* GetBitmapTex() const { return nullptr; }
   // The curve control of the output block's colour map: the one-curve control when `rgb` is
   // false, the three-curve control when it is true; null when the map has none.
   virtual ICurveCtl* GetColorMapCurveCtl(bool rgb) const = 0;

@@ -127,7 +127,7 @@ class MemMtl final : public MemMtlBase<Mtl>, public StdMat2 {
 
   int NumSubMtls() const override { return static_cast<int>(subMaterials.size()); }
   Mtl* GetSubMtl(int index) const override;
-  StdMat2* GetStdMat2() override { return standard ? this : nullptr; }
+  StdMat2* GetStdMat2() const override { return standard ? const_cast<MemMtl*>(this) : nullptr; }
 
   Color GetDiffuse(TimeValue) const override { return standard->diffuse; }
   Color GetSpecular(TimeValue) const override { return standard->specular; }
@@ -174,7 +174,7 @@ class MemTexmap final : public MemMtlBase<Texmap>, public BitmapTex, public StdU
   std::optional<BitmapData> bitmap;
   std::unique_ptr<MemCurveCtl> monoCurves, rgbCurves;
 
-  BitmapTex* GetBitmapTex() override { return bitmap ? this : nullptr; }
+  BitmapTex* GetBitmapTex() const override { return bitmap ? const_cast<MemTexmap*>(this) : nullptr; }
   ICurveCtl* GetColorMapCurveCtl(bool rgb) const override {
     return rgb ? rgbCurves.get() : monoCurves.get();
   }

@@ -1,0 +1,24 @@
+// Identifying materials and maps by their class name: the "type" text and the parameter writer.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "graph/param_rows.h"
+
+namespace orvane {
+
+// Leading characters that are not ASCII letters or digits are dropped; a few class names map to
+// the converter's fixed vocabulary; any other name is returned as it is.
+std::u16string NormalizeClassTypeName(std::u16string_view className, bool isMaterial);
+
+// The writer for a class name (matched lower-cased), or null for an unknown class.
+const WriterTable* FindWriterForClass(std::u16string_view className);
+
+// The writer's fragments for the object; empty for an unknown class.
+FragmentList WriteParamsForClass(const WriteContext& context, const host::MtlBase& object);
+
+// Lower-cases ASCII letters only, so matching does not depend on the process locale.
+std::u16string LowerAscii(std::u16string_view text);
+
+}  // namespace orvane

@@ -1,0 +1,29 @@
+// A material or map and everything below it as one JSON object: the node tree.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "graph/write_context.h"
+#include "host/mtl.h"
+
+namespace orvane {
+
+// The walker's memory. Node ids come from a counter that is never reset, so they stay unique for
+// as long as the state lives (the plug-in keeps one per loaded module); the visited list, reset
+// before every tree, makes a node met again in the same tree a reference to its first writing.
+struct NodeTreeState {
+  uint32_t nodeCounter = 0;
+  // The first id written for each handle, so a "ref" finds it without a scan.
+  std::unordered_map<host::AnimHandle, uint32_t> visited;
+};
+
+void ResetVisitedNodes(NodeTreeState& state);
+
+// The node tree of `object` with its outer indent at 2 x depth blanks; "null" for null.
+std::u16string WriteNodeTree(const WriteContext& context, NodeTreeState& state,
+                             const host::MtlBase* object, int depth);
+
+}  // namespace orvane

@@ -175,6 +175,13 @@ TEST(MemoryScene, RecordsWhatTheCoreChanged) {
   EXPECT_EQ(scene->log[0].type, SYSLOG_WARN);
 }
 
+TEST(MemoryScene, AHandleOfZeroMeansNone) {
+  auto scene = Load(
+      R"("maps": [{"id": "a", "class": "Noise", "handle": 0}, {"id": "b", "class": "Noise"}])");
+  EXPECT_EQ(scene->FindById("a")->GetHandle(), 0u);
+  EXPECT_NE(scene->FindById("b")->GetHandle(), 0u);
+}
+
 TEST(MemoryScene, HandlesAreUniqueAndFoundAgain) {
   auto scene = Load(kObjects);
   std::set<AnimHandle> handles;

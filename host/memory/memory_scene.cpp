@@ -296,7 +296,7 @@ void ForEachData(List& list, Visit visit) {
 void MemScene::AssignMissingHandles() {
   AnimHandle next = 1;
   auto assign = [&](AnimatableData& data, Animatable&) {
-    if (data.handle != 0) return;
+    if (data.handle != 0 || data.handleGiven) return;
     while (byHandle_.count(next) != 0)
       ++next;
     data.handle = next++;

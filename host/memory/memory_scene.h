@@ -64,6 +64,7 @@ class MemParamBlock final : public IParamBlock2, public ParamBlockDesc2 {
 struct AnimatableData {
   std::string id;  // the scene file's id
   AnimHandle handle = 0;
+  bool handleGiven = false;  // 0 given on purpose means "the host gives none"
   std::u16string className;
   Class_ID classId;
   SClass_ID superClassId = 0;
@@ -380,7 +381,7 @@ class MemScene final : public Interface, public IFileResolutionManager {
 
   // Any animatable by its scene-file id, or null.
   Animatable* FindById(const std::string& id) const;
-  // Gives every animatable without a handle the next free one.
+  // Gives every animatable whose handle was not given the next free one.
   void AssignMissingHandles();
   // Registers the handles given so far for GetAnimByHandle.
   void IndexHandles();

@@ -370,6 +370,7 @@ class Loader {
     if (const json* handle = fields.Find("handle")) {
       data.handle = static_cast<AnimHandle>(
           ReadInteger(*handle, fields.PathOf("handle"), 0, std::numeric_limits<int64_t>::max()));
+      data.handleGiven = true;
       handlePaths_.emplace_back(data.handle, fields.PathOf("handle"));
     }
     if (const json* className = fields.Find("class")) {

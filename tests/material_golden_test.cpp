@@ -1,0 +1,60 @@
+// Whole material records against reviewed golden files. To rewrite the goldens after an
+// intended change: ORVANE_UPDATE_GOLDEN=1 build/dev/tests/orvane_tests
+// --gtest_filter='MaterialGolden.*' and review the diff.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "graph/wide_text.h"
+#include "host/memory/scene_file.h"
+#include "host/scene_walk.h"
+#include "package/material_record.h"
+
+namespace orvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string RecordOfObject(const fs::path& sceneFile) {
+  auto loaded = host::memory::LoadSceneFile(sceneFile);
+  EXPECT_TRUE(loaded.scene) << loaded.error;
+  if (!loaded.scene) return {};
+  for (host::INode* node : ListSceneNodes(*loaded.scene)) {
+    if (node->GetName() != u"Object") continue;
+    WriteContext context{*loaded.scene, loaded.scene->GetTime()};
+    NodeTreeState state;
+    std::vector<std::u16string> errors;
+    return ToUtf8(BuildMaterialRecord(context, state, node->GetMtl(), errors)) + "\n";
+  }
+  ADD_FAILURE() << sceneFile << " has no node named Object";
+  return {};
+}
+
+TEST(MaterialGolden, RecordsMatchTheReviewedFiles) {
+  const fs::path scenes = fs::path(ORVANE_TEST_DATA) / "materials";
+  const fs::path goldens = fs::path(ORVANE_TEST_DATA) / "golden";
+  bool update = std::getenv("ORVANE_UPDATE_GOLDEN") != nullptr;
+  int compared = 0;
+  for (const auto& entry : fs::directory_iterator(scenes)) {
+    std::string stem = entry.path().filename().string();
+    stem = stem.substr(0, stem.find('.'));
+    fs::path golden = goldens / (stem + ".material.json");
+    std::string actual = RecordOfObject(entry.path());
+    if (update) std::ofstream(golden, std::ios::binary) << actual;
+    std::ifstream in(golden, std::ios::binary);
+    ASSERT_TRUE(in) << "no golden file " << golden << " (run with ORVANE_UPDATE_GOLDEN=1)";
+    std::stringstream expected;
+    expected << in.rdbuf();
+    EXPECT_EQ(actual, expected.str()) << stem;
+    EXPECT_TRUE(nlohmann::json::accept(expected.str())) << stem << " is not valid JSON";
+    ++compared;
+  }
+  EXPECT_GE(compared, 8);
+}
+
+}  // namespace
+}  // namespace orvane

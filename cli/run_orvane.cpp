@@ -1,6 +1,7 @@
 #include <ostream>
 
 #include "cli/commands.h"
+#include "graph/class_dispatch.h"
 
 namespace orvane::cli {
 
@@ -13,6 +14,7 @@ constexpr char kUsage[] =
     "  scene check FILE...   load scene files and print what they hold\n"
     "  material SCENE NODE   print the material record of a node's material, as the package\n"
     "                        carries it\n"
+    "  writers               print the reference of every parameter writer (Markdown)\n"
     "  balance --service URL --token TOKEN [--ca-file FILE]\n"
     "                        show the account's daily conversions, as the panel does\n"
     "  submit --service URL --token TOKEN --job NAME [--target 5.1|5.2] [--ca-file FILE] PACKAGE\n"
@@ -51,6 +53,10 @@ int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostr
   }
   std::vector<std::string> rest(args.begin() + 1, args.end());
   if (command == "material") return RunMaterial(rest, out, err);
+  if (command == "writers") {
+    out << FormatWriterReference();
+    return kExitOk;
+  }
   if (command == "balance") return RunBalance(rest, out, err);
   if (command == "submit") return RunSubmit(rest, out, err);
   return UsageError(err, "unknown command \"" + command + "\"");

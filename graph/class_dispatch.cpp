@@ -1,6 +1,10 @@
 #include "graph/class_dispatch.h"
 
 #include <array>
+#include <map>
+#include <vector>
+
+#include "graph/wide_text.h"
 
 #include "graph/bitmap_writers.h"
 #include "graph/material_writers.h"
@@ -193,6 +197,34 @@ const WriterTable* FindWriterForClass(std::u16string_view className) {
 FragmentList WriteParamsForClass(const WriteContext& context, const host::MtlBase& object) {
   const WriterTable* writer = FindWriterForClass(object.GetClassName());
   return writer != nullptr ? RunWriter(*writer, context, object) : FragmentList();
+}
+
+std::string FormatWriterReference() {
+  // Writers in the order the dispatch first reaches them, with every rule that reaches them.
+  std::vector<const WriterTable*> order;
+  std::map<const WriterTable*, std::string> classes;
+  for (const DispatchRow& row : kDispatch) {
+    if (classes.count(row.writer) == 0) order.push_back(row.writer);
+    std::string& list = classes[row.writer];
+    for (std::u16string_view name : row.names) {
+      if (name.empty()) break;
+      if (!list.empty()) list += ", ";
+      list += (row.match == Match::kExact ? "`" : "holds `") + ToUtf8(name) + "`";
+    }
+  }
+  std::string out;
+  for (const WriterTable* writer : order) {
+    out += "### " + ToUtf8(writer->name) + "\n\nClasses (lower-cased): " + classes[writer] +
+           "\n\n| Host parameter | Key | Rule |\n|---|---|---|\n";
+    for (const ParamRow& row : writer->rows) {
+      std::string host = row.hostName.empty() ? "" : "`" + ToUtf8(row.hostName) + "`";
+      std::string rule = row.rule != nullptr ? ToUtf8(row.rule->name) : "as stored";
+      std::string key = row.jsonKey.empty() ? "—" : "`" + ToUtf8(row.jsonKey) + "`";
+      out += "| " + host + " | " + key + " | " + rule + " |\n";
+    }
+    out += "\n";
+  }
+  return out;
 }
 
 }  // namespace orvane

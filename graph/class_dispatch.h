@@ -18,6 +18,10 @@ const WriterTable* FindWriterForClass(std::u16string_view className);
 // The writer's fragments for the object; empty for an unknown class.
 FragmentList WriteParamsForClass(const WriteContext& context, const host::MtlBase& object);
 
+// The reference of every writer, generated from the dispatch and writer tables (Markdown): for
+// each writer the class names that reach it and its rows in emission order.
+std::string FormatWriterReference();
+
 // Lower-cases ASCII letters only, so matching does not depend on the process locale.
 std::u16string LowerAscii(std::u16string_view text);
 

@@ -12,6 +12,7 @@
 #include "graph/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "host/scene_walk.h"
+#include "graph/class_dispatch.h"
 #include "package/material_record.h"
 
 namespace orvane {
@@ -54,6 +55,34 @@ TEST(MaterialGolden, RecordsMatchTheReviewedFiles) {
     ++compared;
   }
   EXPECT_GE(compared, 8);
+}
+
+}  // namespace
+}  // namespace orvane
+
+namespace orvane {
+namespace {
+
+// The format reference's writer section is generated from the writer tables.
+TEST(MaterialGolden, TheWriterReferenceMatchesTheTables) {
+  const fs::path document = fs::path(ORVANE_SOURCE_DIR) / "docs" / "package-format.md";
+  std::ifstream in(document, std::ios::binary);
+  ASSERT_TRUE(in);
+  std::stringstream text;
+  text << in.rdbuf();
+  std::string content = text.str();
+  const std::string begin = "<!-- writers:begin -->\n", end = "<!-- writers:end -->";
+  size_t from = content.find(begin), to = content.find(end);
+  ASSERT_NE(from, std::string::npos);
+  ASSERT_NE(to, std::string::npos);
+  from += begin.size();
+  std::string generated = FormatWriterReference();
+  if (std::getenv("ORVANE_UPDATE_GOLDEN") != nullptr) {
+    content.replace(from, to - from, generated);
+    std::ofstream(document, std::ios::binary) << content;
+    return;
+  }
+  EXPECT_EQ(content.substr(from, to - from), generated);
 }
 
 }  // namespace

@@ -126,7 +126,8 @@ const RowRule kBitmapTexValues{
     u"host Bitmap class only (else the writer stops): \"bitmap_gamma\" of the loaded image, then "
     u"from the texture-coordinate generator (else the writer stops) \"tiling_u\", \"tiling_v\", "
     u"\"tile_u\", \"tile_v\", \"tiling_mode_u\", \"tiling_mode_v\" (0 off, 1 tile, 2 mirror), "
-    u"\"offset_u\", \"offset_v\" (receiving convention), \"uvw_channel\", \"rotate_w\" (degrees)"};
+    u"\"offset_u\", \"offset_v\" (receiving convention), \"uvw_channel\", \"rotate_w\" (degrees)",
+    true};
 
 const RowRule kCropApply{[](RowRun& run, const ParamRow& row) {
                            ParamValue value = run.Find(row.hostName);
@@ -138,7 +139,8 @@ const RowRule kCropApply{[](RowRun& run, const ParamRow& row) {
                              run.stopped = true;  // the crop rows below belong to it
                            }
                          },
-                         u"when on, true, followed by the crop rows; otherwise they are left out"};
+                         u"when on, true, followed by the crop rows; otherwise they are left out",
+                         true};
 
 const ParamRow kCoronaBitmapRows[] = {
     {u"filename", u"filepath", &kFilePathAlways},

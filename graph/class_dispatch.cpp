@@ -1,5 +1,6 @@
 #include "graph/class_dispatch.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <vector>
@@ -199,12 +200,20 @@ FragmentList WriteParamsForClass(const WriteContext& context, const host::MtlBas
   return writer != nullptr ? RunWriter(*writer, context, object) : FragmentList();
 }
 
+std::vector<const WriterTable*> AllWriters() {
+  std::vector<const WriterTable*> writers;
+  for (const DispatchRow& row : kDispatch) {
+    if (std::find(writers.begin(), writers.end(), row.writer) == writers.end()) {
+      writers.push_back(row.writer);
+    }
+  }
+  return writers;
+}
+
 std::string FormatWriterReference() {
-  // Writers in the order the dispatch first reaches them, with every rule that reaches them.
-  std::vector<const WriterTable*> order;
+  // With every class name that reaches each writer.
   std::map<const WriterTable*, std::string> classes;
   for (const DispatchRow& row : kDispatch) {
-    if (classes.count(row.writer) == 0) order.push_back(row.writer);
     std::string& list = classes[row.writer];
     for (std::u16string_view name : row.names) {
       if (name.empty()) break;
@@ -213,7 +222,7 @@ std::string FormatWriterReference() {
     }
   }
   std::string out;
-  for (const WriterTable* writer : order) {
+  for (const WriterTable* writer : AllWriters()) {
     out += "### " + ToUtf8(writer->name) + "\n\nClasses (lower-cased): " + classes[writer] +
            "\n\n| Host parameter | Key | Rule |\n|---|---|---|\n";
     for (const ParamRow& row : writer->rows) {

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "graph/param_rows.h"
 
@@ -17,6 +18,9 @@ const WriterTable* FindWriterForClass(std::u16string_view className);
 
 // The writer's fragments for the object; empty for an unknown class.
 FragmentList WriteParamsForClass(const WriteContext& context, const host::MtlBase& object);
+
+// Every writer the dispatch can reach, in the order it first reaches them.
+std::vector<const WriterTable*> AllWriters();
 
 // The reference of every writer, generated from the dispatch and writer tables (Markdown): for
 // each writer the class names that reach it and its rows in emission order.

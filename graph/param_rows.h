@@ -34,6 +34,7 @@ struct ParamRow;
 struct RowRule {
   void (*run)(RowRun& run, const ParamRow& row);
   std::u16string_view name;
+  bool gatesLaterRows = false;  // the rows after it run only when it lets them
 };
 
 struct ParamRow {

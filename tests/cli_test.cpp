@@ -41,6 +41,21 @@ TEST(SceneCheck, SummarisesAGoodSceneAndRejectsABadOne) {
   std::filesystem::remove_all(folder);
 }
 
+TEST(MaterialCommand, PrintsTheRecordOfTheNamedNodesMaterial) {
+  std::string scene = ORVANE_SOURCE_DIR "/examples/interior/interior.scene.json";
+  std::ostringstream out, err;
+  EXPECT_EQ(RunOrvane({"material", scene, "Sofa"}, out, err), kExitOk) << err.str();
+  EXPECT_EQ(out.str().rfind("{\n      \"type\": \"Multimaterial\",\n      \"name\": \"Sofa\",", 0),
+            0u);
+  EXPECT_NE(out.str().find("\"material_name\": \"Brushed Steel\""), std::string::npos);
+
+  std::ostringstream out2, err2;
+  EXPECT_EQ(RunOrvane({"material", scene, "Nothing"}, out2, err2), kExitFailure);
+  EXPECT_EQ(err2.str(), "orvane: " + scene + ": no node named \"Nothing\"\n");
+  std::ostringstream out3, err3;
+  EXPECT_EQ(RunOrvane({"material", scene}, out3, err3), kExitUsage);
+}
+
 TEST(Orvane, AnswersHelpAndVersionAndRefusesBadUsageWithExitCodeTwo) {
   const struct {
     std::vector<std::string> args;

@@ -9,10 +9,10 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "graph/class_dispatch.h"
 #include "graph/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "host/scene_walk.h"
-#include "graph/class_dispatch.h"
 #include "package/material_record.h"
 
 namespace orvane {

@@ -123,6 +123,29 @@ TEST(ClassDispatch, EveryRowIsReachedInItsPlace) {
   }
 }
 
+// Each plain row, given its parameter alone, writes exactly its member: no row is dropped by the
+// engine and no host name is shadowed by another row's.
+TEST(ClassDispatch, EveryPlainRowWritesItsMember) {
+  MemScene scene;
+  int checked = 0;
+  for (const WriterTable* writer : AllWriters()) {
+    for (const ParamRow& row : writer->rows) {
+      if (row.rule != nullptr && row.rule->gatesLaterRows) break;
+      if (row.rule != nullptr || row.hostName.empty()) continue;
+      host::memory::MemTexmap map;
+      auto block = std::make_unique<host::memory::MemParamBlock>();
+      block->params.push_back({std::u16string(row.hostName), host::TYPE_INT, {4242}});
+      map.data.blocks.push_back(std::move(block));
+      FragmentList fragments = RunWriter(*writer, WriteContext{scene, 0}, map);
+      std::u16string expected = u"\"" + std::u16string(row.jsonKey) + u"\":4242";
+      EXPECT_NE(std::find(fragments.begin(), fragments.end(), expected), fragments.end())
+          << ToUtf8(writer->name) << ": " << ToUtf8(row.hostName);
+      ++checked;
+    }
+  }
+  EXPECT_GT(checked, 600);
+}
+
 TEST(ClassDispatch, TypeNamesUseTheConvertersVocabulary) {
   const struct {
     const char16_t* className;

@@ -14,7 +14,9 @@ using namespace orvane;
 using namespace orvane::host;
 using namespace orvane::host::memory;
 
-MemParam FloatParam(std::u16string name, float value) { return {std::move(name), TYPE_FLOAT, {value}}; }
+MemParam FloatParam(std::u16string name, float value) {
+  return {std::move(name), TYPE_FLOAT, {value}};
+}
 
 void AddBlock(AnimatableData& data, std::vector<MemParam> params) {
   auto block = std::make_unique<MemParamBlock>();
@@ -26,9 +28,10 @@ MemTexmap& AddBitmap(MemScene& scene, int index) {
   MemTexmap& map = scene.AddMap("map" + std::to_string(index));
   map.data.className = u"CoronaBitmap";
   map.name = u"map " + std::u16string(1, static_cast<char16_t>(u'a' + index % 26));
-  AddBlock(map.data, {{u"filename", TYPE_FILENAME, {std::optional<std::u16string>(u"C:\\maps\\wood.jpg")}},
-                      {u"uvwScale", TYPE_POINT3, {Point3{2, 2, 1}}},
-                      FloatParam(u"gamma", 2.2f)});
+  AddBlock(map.data,
+           {{u"filename", TYPE_FILENAME, {std::optional<std::u16string>(u"C:\\maps\\wood.jpg")}},
+            {u"uvwScale", TYPE_POINT3, {Point3{2, 2, 1}}},
+            FloatParam(u"gamma", 2.2f)});
   return map;
 }
 
@@ -37,13 +40,15 @@ MemTexmap& AddBitmap(MemScene& scene, int index) {
 std::unique_ptr<MemScene> MaterialLibrary(int materials) {
   auto scene = std::make_unique<MemScene>();
   std::vector<MemTexmap*> pool;
-  for (int i = 0; i < materials * 2; ++i) pool.push_back(&AddBitmap(*scene, i));
+  for (int i = 0; i < materials * 2; ++i)
+    pool.push_back(&AddBitmap(*scene, i));
   std::mt19937 random(1);
   for (int i = 0; i < materials; ++i) {
     MemMtl& material = scene->AddMaterial("mtl" + std::to_string(i));
     material.data.className = u"CoronaPhysicalMtl";
     material.name = u"Material " + std::u16string(1, u'A');
-    AddBlock(material.data, {FloatParam(u"baseRoughness", 0.3f), FloatParam(u"baseMapAmount", 0.5f),
+    AddBlock(material.data, {FloatParam(u"baseRoughness", 0.3f),
+                             FloatParam(u"baseMapAmount", 0.5f),
                              {u"baseColor", TYPE_FRGBA, {Color{0.5f, 0.4f, 0.3f}}}});
     for (int slot = 0; slot < 10; ++slot) {
       material.slots.push_back({u"slot" + std::u16string(1, static_cast<char16_t>(u'0' + slot)),
@@ -80,12 +85,14 @@ std::unique_ptr<MemScene> SharedTree(int nodes) {
     MemTexmap& map = scene->AddMap("m" + std::to_string(i));
     map.data.className = u"Mix";
     AddBlock(map.data, {FloatParam(u"mixAmount", 0.5f)});
-    for (int k = 0; k < 2 && i > 0; ++k) map.slots.push_back({u"Map", maps[random() % maps.size()]});
+    for (int k = 0; k < 2 && i > 0; ++k)
+      map.slots.push_back({u"Map", maps[random() % maps.size()]});
     maps.push_back(&map);
   }
   MemMtl& root = scene->AddMaterial("root");
   root.data.className = u"VRayMtl";
-  for (auto it = maps.rbegin(); it != maps.rend(); ++it) root.slots.push_back({u"Map", *it});
+  for (auto it = maps.rbegin(); it != maps.rend(); ++it)
+    root.slots.push_back({u"Map", *it});
   scene->AssignMissingHandles();
   return scene;
 }

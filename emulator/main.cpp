@@ -55,12 +55,12 @@ int ToInt(const std::string& text, const std::string& what) {
   UsageError(what + " must be a whole number, not \"" + text + "\"");
 }
 
-Account ParseAccount(const std::string& spec) {
+Account ParseAccount(const std::string& text) {
   std::vector<std::string> parts;
-  std::stringstream stream(spec);
+  std::stringstream stream(text);
   for (std::string part; std::getline(stream, part, ':');)
     parts.push_back(part);
-  if (parts.empty() || parts[0].empty() || parts.size() > 5) UsageError("bad --account " + spec);
+  if (parts.empty() || parts[0].empty() || parts.size() > 5) UsageError("bad --account " + text);
   Account account{parts[0]};
   if (parts.size() > 1) account.balance = ToInt(parts[1], "the balance");
   if (parts.size() > 2) account.dailyLimit = ToInt(parts[2], "the daily limit");

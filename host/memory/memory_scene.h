@@ -175,7 +175,9 @@ class MemTexmap final : public MemMtlBase<Texmap>, public BitmapTex, public StdU
   std::optional<BitmapData> bitmap;
   std::unique_ptr<MemCurveCtl> monoCurves, rgbCurves;
 
-  BitmapTex* GetBitmapTex() const override { return bitmap ? const_cast<MemTexmap*>(this) : nullptr; }
+  BitmapTex* GetBitmapTex() const override {
+    return bitmap ? const_cast<MemTexmap*>(this) : nullptr;
+  }
   ICurveCtl* GetColorMapCurveCtl(bool rgb) const override {
     return rgb ? rgbCurves.get() : monoCurves.get();
   }

@@ -27,6 +27,9 @@ int RunSubmit(const std::vector<std::string>& args, std::ostream& out, std::ostr
 // `orvane material SCENE NODE`: the material record of the first node (in scene order) so named.
 int RunMaterial(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
+// `orvane package SCENE -o PATH`: the scene package and its log beside it.
+int RunPackage(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
 // `orvane scene check FILE...`
 int RunSceneCheck(const std::vector<std::string>& files, std::ostream& out, std::ostream& err);
 

@@ -10,7 +10,7 @@ ParsedFlags ParseFlags(const std::vector<std::string>& args,
   ParsedFlags parsed;
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& arg = args[i];
-    if (arg.rfind("--", 0) != 0) {
+    if (arg.size() < 2 || arg[0] != '-') {
       parsed.positional.push_back(arg);
       continue;
     }

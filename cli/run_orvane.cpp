@@ -12,6 +12,7 @@ constexpr char kUsage[] =
     "\n"
     "commands:\n"
     "  scene check FILE...   load scene files and print what they hold\n"
+    "  package SCENE -o PATH build the scene package (normally .../1.json) and its log beside it\n"
     "  material SCENE NODE   print the material record of a node's material, as the package\n"
     "                        carries it\n"
     "  writers               print the reference of every parameter writer (Markdown)\n"
@@ -52,6 +53,7 @@ int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostr
     return RunSceneCheck({args.begin() + 2, args.end()}, out, err);
   }
   std::vector<std::string> rest(args.begin() + 1, args.end());
+  if (command == "package") return RunPackage(rest, out, err);
   if (command == "material") return RunMaterial(rest, out, err);
   if (command == "writers") {
     out << FormatWriterReference();

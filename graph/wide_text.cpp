@@ -28,6 +28,27 @@ std::u16string FromUtf8(std::string_view bytes) {
   return out;
 }
 
+std::optional<std::u16string> FromUtf8Strict(std::string_view bytes) {
+  if (bytes.empty()) return std::u16string();
+  int length = static_cast<int>(bytes.size());
+  int size = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), length, nullptr, 0);
+  if (size == 0) return std::nullopt;
+  std::u16string out(static_cast<size_t>(size), u'\0');
+  MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), length,
+                      reinterpret_cast<wchar_t*>(out.data()), size);
+  return out;
+}
+
+std::u16string FromAnsiCodePage(std::string_view bytes) {
+  if (bytes.empty()) return {};
+  int length = static_cast<int>(bytes.size());
+  int size = MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, nullptr, 0);
+  std::u16string out(static_cast<size_t>(size), u'\0');
+  MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, reinterpret_cast<wchar_t*>(out.data()),
+                      size);
+  return out;
+}
+
 #else
 
 namespace {
@@ -112,7 +133,10 @@ std::string ToUtf8(std::u16string_view text) {
 
 // A sequence that breaks off early is replaced by one U+FFFD for its well-formed start (the
 // "maximal subpart"), and decoding resumes at the byte that broke it.
-std::u16string FromUtf8(std::string_view bytes) {
+namespace {
+
+std::u16string Decode(std::string_view bytes, bool& wellFormed) {
+  wellFormed = true;
   std::u16string out;
   out.reserve(bytes.size());
   size_t i = 0;
@@ -126,6 +150,7 @@ std::u16string FromUtf8(std::string_view bytes) {
     LeadInfo info = ClassifyLead(lead);
     if (info.length == 0) {
       out += static_cast<char16_t>(kReplacement);
+      wellFormed = false;
       ++i;
       continue;
     }
@@ -151,8 +176,38 @@ std::u16string FromUtf8(std::string_view bytes) {
       AppendUtf16(out, code);
     } else {
       out += static_cast<char16_t>(kReplacement);
+      wellFormed = false;
     }
     i += consumed;
+  }
+  return out;
+}
+
+}  // namespace
+
+std::u16string FromUtf8(std::string_view bytes) {
+  bool wellFormed = true;
+  return Decode(bytes, wellFormed);
+}
+
+std::optional<std::u16string> FromUtf8Strict(std::string_view bytes) {
+  bool wellFormed = true;
+  std::u16string text = Decode(bytes, wellFormed);
+  if (!wellFormed) return std::nullopt;
+  return text;
+}
+
+std::u16string FromAnsiCodePage(std::string_view bytes) {
+  // 0x80-0x9F differ from Latin-1; 0 marks the five bytes the code page leaves undefined, which
+  // map to the same-numbered control characters, as Windows does.
+  static constexpr char16_t kHigh[32] = {
+      0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+      0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+      0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+  std::u16string out;
+  out.reserve(bytes.size());
+  for (unsigned char byte : bytes) {
+    out += byte >= 0x80 && byte <= 0x9F ? kHigh[byte - 0x80] : static_cast<char16_t>(byte);
   }
   return out;
 }

@@ -2,6 +2,7 @@
 // network boundaries.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,12 @@ namespace orvane {
 std::string ToUtf8(std::u16string_view text);
 // Ill-formed input becomes U+FFFD, one per maximal ill-formed subpart.
 std::u16string FromUtf8(std::string_view bytes);
+
+// Nullopt when the bytes are not well-formed UTF-8.
+std::optional<std::u16string> FromUtf8Strict(std::string_view bytes);
+// The system's ANSI code page on Windows; elsewhere Windows-1252, the code page of the Western
+// European Windows installations the files most often come from.
+std::u16string FromAnsiCodePage(std::string_view bytes);
 
 // Removes leading and trailing blanks, tabs, carriage returns and line feeds.
 std::u16string TrimWhitespace(std::u16string_view text);

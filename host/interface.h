@@ -61,6 +61,10 @@ class Interface {
   virtual IFileResolutionManager* GetFileResolutionManager() = 0;
 
   virtual void Log(LogType type, std::u16string_view title, std::u16string_view text) = 0;
+
+  // Splits a transform into translation, rotation and scale, with the host's conventions.
+  virtual void DecomposeMatrix(const Matrix3& matrix, Point3& position, Quat& rotation,
+                               Point3& scale) const = 0;
 };
 
 }  // namespace orvane::host

@@ -65,7 +65,7 @@ TEST(Orvane, AnswersHelpAndVersionAndRefusesBadUsageWithExitCodeTwo) {
       {{"--help"}, kExitOk, "usage: orvane"},
       {{"--version"}, kExitOk, "orvane " ORVANE_VERSION "\n"},
       {{}, kExitUsage, "orvane: no command given"},
-      {{"package"}, kExitUsage, "orvane: unknown command \"package\""},
+      {{"frobnicate"}, kExitUsage, "orvane: unknown command \"frobnicate\""},
       {{"scene"}, kExitUsage, "orvane: expected: orvane scene check FILE..."},
       {{"scene", "check"}, kExitUsage, "orvane: scene check needs at least one scene file"},
   };

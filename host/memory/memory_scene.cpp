@@ -1,6 +1,7 @@
 #include "host/memory/memory_scene.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace orvane::host::memory {
 
@@ -232,6 +233,45 @@ std::u16string MemScene::GetFullFilePath(std::u16string_view path, AssetType typ
 
 void MemScene::Log(LogType type, std::u16string_view title, std::u16string_view text) {
   log.push_back({type, std::u16string(title), std::u16string(text)});
+}
+
+void MemScene::DecomposeMatrix(const Matrix3& matrix, Point3& position, Quat& rotation,
+                               Point3& scale) const {
+  position = matrix.GetTrans();
+  Point3 rows[3] = {matrix.GetRow(0), matrix.GetRow(1), matrix.GetRow(2)};
+  float lengths[3];
+  for (int i = 0; i < 3; ++i) {
+    lengths[i] = std::sqrt(rows[i].x * rows[i].x + rows[i].y * rows[i].y + rows[i].z * rows[i].z);
+  }
+  const Point3& a = rows[0];
+  const Point3& b = rows[1];
+  const Point3& c = rows[2];
+  float determinant =
+      a.x * (b.y * c.z - b.z * c.y) - a.y * (b.x * c.z - b.z * c.x) + a.z * (b.x * c.y - b.y * c.x);
+  if (determinant < 0) lengths[0] = -lengths[0];
+  scale = {lengths[0], lengths[1], lengths[2]};
+  float m[3][3];
+  for (int i = 0; i < 3; ++i) {
+    float length = lengths[i] != 0 ? lengths[i] : 1;
+    m[i][0] = rows[i].x / length;
+    m[i][1] = rows[i].y / length;
+    m[i][2] = rows[i].z / length;
+  }
+  // Rows are the images of the axes, so the column-vector rotation is the transpose.
+  float trace = m[0][0] + m[1][1] + m[2][2];
+  if (trace > 0) {
+    float s = std::sqrt(trace + 1) * 2;
+    rotation = {(m[1][2] - m[2][1]) / s, (m[2][0] - m[0][2]) / s, (m[0][1] - m[1][0]) / s, s / 4};
+  } else if (m[0][0] > m[1][1] && m[0][0] > m[2][2]) {
+    float s = std::sqrt(1 + m[0][0] - m[1][1] - m[2][2]) * 2;
+    rotation = {s / 4, (m[1][0] + m[0][1]) / s, (m[2][0] + m[0][2]) / s, (m[1][2] - m[2][1]) / s};
+  } else if (m[1][1] > m[2][2]) {
+    float s = std::sqrt(1 + m[1][1] - m[0][0] - m[2][2]) * 2;
+    rotation = {(m[1][0] + m[0][1]) / s, s / 4, (m[2][1] + m[1][2]) / s, (m[2][0] - m[0][2]) / s};
+  } else {
+    float s = std::sqrt(1 + m[2][2] - m[0][0] - m[1][1]) * 2;
+    rotation = {(m[2][0] + m[0][2]) / s, (m[2][1] + m[1][2]) / s, s / 4, (m[0][1] - m[1][0]) / s};
+  }
 }
 
 template <class T>

@@ -346,6 +346,11 @@ class MemScene final : public Interface, public IFileResolutionManager {
   Animatable* GetAnimByHandle(AnimHandle handle) override;
   IFileResolutionManager* GetFileResolutionManager() override;
   void Log(LogType type, std::u16string_view title, std::u16string_view text) override;
+  // Scale is the length of each basis row (the first negated for a mirroring transform); the
+  // rotation is the unit quaternion of the remaining orthonormal basis, rows as images of the
+  // axes.
+  void DecomposeMatrix(const Matrix3& matrix, Point3& position, Quat& rotation,
+                       Point3& scale) const override;
 
   // --- IFileResolutionManager ---
   std::u16string GetFullFilePath(std::u16string_view path, AssetType type) const override;

@@ -1,0 +1,35 @@
+#include <ostream>
+
+#include "cli/commands.h"
+#include "cli/flags.h"
+#include "graph/wide_text.h"
+#include "host/memory/scene_file.h"
+#include "package/package_builder.h"
+
+namespace orvane::cli {
+
+int RunPackage(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+  ParsedFlags flags = ParseFlags(args, {"-o"}, {"-o"});
+  if (flags.error.empty() && flags.positional.size() != 1) flags.error = "give exactly one SCENE";
+  if (!flags.error.empty()) return UsageError(err, flags.error);
+  auto loaded = host::memory::LoadSceneFile(flags.positional[0]);
+  if (!loaded.scene) {
+    err << "orvane: " << loaded.error << "\n";
+    return kExitFailure;
+  }
+  host::memory::MemScene& scene = *loaded.scene;
+  std::u16string document = FromUtf8(flags.Get("-o"));
+  NodeTreeState state;
+  BuildResult result =
+      BuildPackage(WriteContext{scene, scene.GetTime()}, scene.files, state, document);
+  if (!result.success) {
+    err << "orvane: cannot write the package to " << flags.Get("-o") << " (" << result.logLineCount
+        << " log lines gathered, nothing written)\n";
+    return kExitFailure;
+  }
+  out << "package: " << flags.Get("-o") << "\nlog: " << ToUtf8(LogPathFor(document))
+      << "\nobjects: " << result.objectCount << "\nlog lines: " << result.logLineCount << "\n";
+  return kExitOk;
+}
+
+}  // namespace orvane::cli

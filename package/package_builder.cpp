@@ -1,0 +1,195 @@
+#include "package/package_builder.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "graph/json_text.h"
+#include "graph/wide_text.h"
+#include "host/object.h"
+#include "host/scene_walk.h"
+#include "lights/lights.h"
+#include "package/cameras.h"
+#include "package/displacement_record.h"
+#include "package/environment.h"
+#include "package/material_record.h"
+#include "package/numeric_locale_guard.h"
+#include "package/render_settings.h"
+
+namespace orvane {
+
+namespace {
+
+using Log = std::vector<std::u16string>;
+
+std::u16string Decimal(int64_t value) {
+  return AsciiToWide(std::to_string(value));
+}
+
+std::vector<host::INode*> GeometryWithMaterials(const WriteContext& context) {
+  std::vector<host::INode*> geometry;
+  for (host::INode* node : ListSceneNodes(context.scene)) {
+    host::Object* object = node->EvalWorldState(context.time);
+    if (object != nullptr && object->SuperClassID() == host::GEOMOBJECT_CLASS_ID &&
+        node->GetMtl() != nullptr) {
+      geometry.push_back(node);
+    }
+  }
+  return geometry;
+}
+
+std::u16string Suffixed(const std::u16string& name, int number) {
+  char suffix[16];
+  std::snprintf(suffix, sizeof suffix, "_%03d", number);
+  return name + AsciiToWide(suffix);
+}
+
+// Names already taken keep theirs; a repeated name takes the first free "_NNN" suffix. Only the
+// names met so far count, never the rest of the scene.
+void RenameDuplicates(const std::vector<host::INode*>& geometry, Log& log) {
+  std::unordered_set<std::u16string> seen;
+  // Where the search for each name's next suffix resumes: every number below it was taken, and
+  // taken names stay taken, so the search never has to start again from 1.
+  std::unordered_map<std::u16string, int> nextNumber;
+  int renamed = 0;
+  for (host::INode* node : geometry) {
+    std::u16string name = node->GetName();
+    if (seen.insert(name).second) continue;
+    int& number = nextNumber.try_emplace(name, 1).first->second;
+    std::u16string candidate = Suffixed(name, number);
+    while (seen.count(candidate) != 0)
+      candidate = Suffixed(name, ++number);
+    ++number;
+    node->SetName(candidate);
+    ++renamed;
+    log.push_back(u"WARNING: Duplicate name - renamed '" + name + u"' to '" + candidate +
+                  u"' in scene");
+    seen.insert(candidate);
+  }
+  if (renamed > 0) {
+    log.push_back(u"Total renamed: " + Decimal(renamed) +
+                  u" object(s). Check scene before saving!");
+  }
+}
+
+std::u16string MaterialIds(const WriteContext& context, host::INode& node) {
+  std::vector<int> ids;
+  host::Object* object = node.EvalWorldState(context.time);
+  if (object != nullptr && object->CanConvertToTriObject()) {
+    if (host::TriObject* mesh = object->ConvertToTriObject(context.time)) {
+      const host::Mesh& faces = mesh->GetMesh();
+      for (int f = 0; f < faces.GetNumFaces(); ++f) {
+        int id = faces.GetFace(f).matId + 1;  // written one-based, as the user sees them
+        if (std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(id);
+      }
+      if (mesh != object) mesh->DeleteThis();
+    }
+  }
+  std::sort(ids.begin(), ids.end());
+  std::u16string text = u"[";
+  for (size_t i = 0; i < ids.size(); ++i) {
+    if (i > 0) text += u',';
+    text += Decimal(ids[i]);
+  }
+  return text + u"]";
+}
+
+std::u16string ObjectRecord(const WriteContext& context, NodeTreeState& state, host::INode& node,
+                            Log& log) {
+  std::u16string ids = MaterialIds(context, node);
+  std::vector<std::u16string> errors;
+  std::u16string material;
+  try {
+    material = BuildMaterialRecord(context, state, node.GetMtl(), errors);
+  } catch (...) {
+    // One broken material must not cost the user the whole package.
+    material = u"null";
+    errors.push_back(u"buildMaterialJson exception");
+  }
+  std::u16string name = node.GetName();
+  std::u16string errorList = u"[";
+  for (size_t i = 0; i < errors.size(); ++i) {
+    if (i > 0) errorList += u',';
+    errorList += u"\"" + EscapeJsonString(errors[i]) + u"\"";
+    log.push_back(u"[" + name + u"] " + errors[i]);
+  }
+  errorList += u"]";
+  std::u16string displacement = BuildDisplacementRecord(context, &node);
+  host::Object* evaluated = node.EvalWorldState(context.time);
+  std::u16string className = evaluated != nullptr ? evaluated->GetClassName() : std::u16string();
+  return u"  {\n    \"object_name\": \"" + EscapeJsonString(name) +
+         u"\",\n    \"object_class\": \"" + EscapeJsonString(className) +
+         u"\",\n    \"layer\": \"\",\n    \"material_ids\": " + ids +
+         u",\n    \"displacement_mod\": " + displacement + u",\n    \"errors\": " + errorList +
+         u",\n    \"material\": " + material + u"\n  }";
+}
+
+std::u16string Header(const ColorSettings& color, double unitScale,
+                      const RenderDisplacement& displacement, int objectCount) {
+  std::u16string header =
+      u"{\n  \"exporter\": \"Velmora\",\n  \"version\": \"1.0\",\n"
+      u"  \"build_marker\": \"v3.41-targetradio\",\n  \"scene_color_mode\": \"" +
+      color.mode + u"\",\n  \"scene_rendering_space\": \"" + color.renderingSpace +
+      u"\",\n  \"scene_display_gamma\": " + FormatJsonNumber(color.displayGamma) +
+      u",\n  \"scene_unit_scale\": " + FormatJsonNumber(static_cast<float>(unitScale)) + u",\n";
+  if (displacement.found) {
+    header += u"  \"disp_render_amount\": " + FormatJsonNumber(displacement.amount) +
+              u",\n  \"disp_render_relative\": " + FormatJsonBool(displacement.relative) + u",\n";
+  }
+  return header + u"  \"object_count\": " + Decimal(objectCount) + u",\n  \"objects\": [\n";
+}
+
+std::string LogText(const Log& log) {
+  std::string text;
+  for (const std::u16string& line : log)
+    text += ToUtf8(line) + "\n";
+  return text;
+}
+
+}  // namespace
+
+std::u16string LogPathFor(std::u16string_view documentPath) {
+  size_t dot = documentPath.rfind(u'.');
+  if (dot == std::u16string_view::npos) return std::u16string(documentPath) + u".log";
+  return std::u16string(documentPath.substr(0, dot)) + u".log";
+}
+
+BuildResult BuildPackage(const WriteContext& context, host::FileSystem& files, NodeTreeState& state,
+                         std::u16string_view documentPath) {
+  NumericLocaleGuard numbers;
+  Log log;
+  std::vector<host::INode*> geometry = GeometryWithMaterials(context);
+  log.push_back(u"Geometry objects with materials: " +
+                Decimal(static_cast<int64_t>(geometry.size())));
+  RenameDuplicates(geometry, log);
+
+  // Records go to UTF-8 one by one, so the package is never held twice as wide text.
+  std::string objects;
+  for (size_t i = 0; i < geometry.size(); ++i) {
+    objects += ToUtf8(ObjectRecord(context, state, *geometry[i], log));
+    objects += i + 1 < geometry.size() ? ",\n" : "\n";
+  }
+  std::u16string sections = CollectLightsJson(context, files, log);
+  sections += CollectCamerasJson(context, log);
+  sections += WriteEnvironmentJson(context, state, log);
+  ColorSettings color = QueryColorSettings(context.scene);
+  double unitScale = SceneUnitScale(context.scene);
+  RenderDisplacement displacement = QueryRenderDisplacement(context.scene);
+
+  auto objectCount = static_cast<int32_t>(geometry.size());
+  std::string document = ToUtf8(Header(color, unitScale, displacement, objectCount));
+  document += objects;
+  objects = std::string();
+  document += "  ]" + ToUtf8(sections) + "\n}";
+
+  BuildResult result;
+  result.logLineCount = static_cast<int32_t>(log.size());
+  if (!files.WriteBytes(documentPath, document)) return result;
+  result.success = true;
+  result.objectCount = objectCount;
+  if (!log.empty()) files.WriteBytes(LogPathFor(documentPath), LogText(log));
+  return result;
+}
+
+}  // namespace orvane

@@ -1,0 +1,150 @@
+// The package builder's failure paths and limits.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "graph/wide_text.h"
+#include "host/memory/scene_file.h"
+#include "lights/lights.h"
+#include "package/package_builder.h"
+
+namespace orvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::unique_ptr<host::memory::MemScene> Scene(const std::string& nodes) {
+  auto loaded =
+      host::memory::LoadSceneText(R"({"format": "orvane-scene/1", "nodes": [)" + nodes + R"(],
+      "objects": [{"id": "o", "class": "Box", "superClass": "geometry"}],
+      "materials": [{"id": "m", "class": "VRayMtl", "name": "M"}]})",
+                                  ".");
+  EXPECT_TRUE(loaded.scene) << loaded.error;
+  return std::move(loaded.scene);
+}
+
+struct TempFolder {
+  TempFolder()
+      : path(fs::temp_directory_path() / ("orvane-builder-" + std::to_string(::getpid()))) {
+    fs::create_directories(path);
+  }
+  ~TempFolder() { fs::remove_all(path); }
+  fs::path path;
+};
+
+TEST(PackageBuilder, AnUnwritablePathFailsAndWritesNoLog) {
+  auto scene = Scene(R"({"id": "a", "name": "Box", "object": "o", "material": "m"})");
+  TempFolder folder;
+  fs::path document = folder.path / "missing-folder" / "1.json";
+  NodeTreeState state;
+  BuildResult result =
+      BuildPackage(WriteContext{*scene, 0}, scene->files, state, document.u16string());
+  EXPECT_FALSE(result.success);
+  EXPECT_EQ(result.objectCount, 0);
+  EXPECT_GT(result.logLineCount, 0);
+  EXPECT_FALSE(fs::exists(folder.path / "missing-folder"));
+}
+
+// A material whose host throws the moment it is asked anything.
+class BrokenMaterial final : public host::Mtl {
+ public:
+  host::AnimHandle GetHandle() const override { return 0; }
+  std::u16string GetClassName() const override { throw std::runtime_error("host failure"); }
+  host::Class_ID ClassID() const override { return {}; }
+  host::SClass_ID SuperClassID() const override { return host::MATERIAL_CLASS_ID; }
+  int NumParamBlocks() const override { return 0; }
+  host::IParamBlock2* GetParamBlock(int) const override { return nullptr; }
+  std::u16string GetName() const override { return u"Broken"; }
+  void SetName(std::u16string_view) override {}
+  int NumSubTexmaps() const override { return 0; }
+  host::Texmap* GetSubTexmap(int) const override { return nullptr; }
+  std::u16string GetSubTexmapSlotName(int, bool) const override { return {}; }
+  int NumSubMtls() const override { return 0; }
+  host::Mtl* GetSubMtl(int) const override { return nullptr; }
+};
+
+TEST(PackageBuilder, AMaterialThatThrowsCostsOnlyItsOwnRecord) {
+  auto scene = Scene(R"({"id": "a", "name": "Bad", "object": "o", "material": "m"},
+                        {"id": "b", "name": "Good", "object": "o", "material": "m"})");
+  BrokenMaterial broken;
+  dynamic_cast<host::memory::MemNode*>(scene->FindById("a"))->material = &broken;
+  TempFolder folder;
+  NodeTreeState state;
+  fs::path document = folder.path / "1.json";
+  BuildResult result =
+      BuildPackage(WriteContext{*scene, 0}, scene->files, state, document.u16string());
+  ASSERT_TRUE(result.success);
+  EXPECT_EQ(result.objectCount, 2);
+  std::ifstream in(document);
+  std::string package((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_NE(
+      package.find("\"errors\": [\"buildMaterialJson exception\"],\n    \"material\": null\n"),
+      std::string::npos);
+  EXPECT_NE(package.find("\"object_name\": \"Good\""), std::string::npos);
+  std::ifstream log(folder.path / "1.log");
+  std::string logText((std::istreambuf_iterator<char>(log)), std::istreambuf_iterator<char>());
+  EXPECT_NE(logText.find("[Bad] buildMaterialJson exception\n"), std::string::npos);
+}
+
+TEST(PackageBuilder, RenamesPastNineHundredNinetyNineGrowTheNumberAndStayInTheScene) {
+  std::string nodes;
+  for (int i = 0; i < 1002; ++i) {
+    nodes += (i ? "," : "") + std::string(R"({"id": "n)") + std::to_string(i) +
+             R"(", "name": "Box", "object": "o", "material": "m"})";
+  }
+  auto scene = Scene(nodes);
+  TempFolder folder;
+  NodeTreeState state;
+  BuildPackage(WriteContext{*scene, 0}, scene->files, state, (folder.path / "1.json").u16string());
+  EXPECT_EQ(dynamic_cast<host::INode*>(scene->FindById("n999"))->GetName(), u"Box_999");
+  EXPECT_EQ(dynamic_cast<host::INode*>(scene->FindById("n1001"))->GetName(), u"Box_1001");
+  EXPECT_EQ(scene->renames.size(), 1001u);
+}
+
+TEST(PackageBuilder, TheLogLiesBesideTheDocument) {
+  const struct {
+    const char16_t* document;
+    const char16_t* log;
+  } cases[] = {
+      {u"D:\\exchange\\\\scene_ab12cd34\\1.json", u"D:\\exchange\\\\scene_ab12cd34\\1.log"},
+      {u"C:\\my.folder\\package", u"C:\\my.log"},  // the last "." may be in a folder name
+      {u"package", u"package.log"},
+      {u"/tmp/1.json", u"/tmp/1.log"},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(LogPathFor(c.document), c.log) << ToUtf8(c.document);
+}
+
+TEST(IesFiles, OnlyFilesUpToOneMebibyteAreRead) {
+  TempFolder folder;
+  host::LocalFileSystem files;
+  const struct {
+    const char* name;
+    size_t size;
+    bool read;
+  } cases[] = {{"empty.ies", 0, false},
+               {"one-byte.ies", 1, true},
+               {"limit.ies", 1 << 20, true},
+               {"over.ies", (1 << 20) + 1, false}};
+  for (const auto& c : cases) {
+    fs::path path = folder.path / c.name;
+    std::ofstream(path, std::ios::binary) << std::string(c.size, 'x');
+    EXPECT_EQ(ReadIesText(files, path.u16string()).size(), c.read ? c.size : 0u) << c.name;
+  }
+  EXPECT_EQ(ReadIesText(files, (folder.path / "absent.ies").u16string()), u"");
+}
+
+TEST(IesFiles, TextThatIsNotUtf8IsReadAsTheAnsiCodePage) {
+  TempFolder folder;
+  host::LocalFileSystem files;
+  fs::path utf8 = folder.path / "utf8.ies", latin = folder.path / "latin.ies";
+  std::ofstream(utf8, std::ios::binary) << "caf\xc3\xa9";
+  std::ofstream(latin, std::ios::binary) << "caf\xe9 \x80\x81";
+  EXPECT_EQ(ReadIesText(files, utf8.u16string()), u"caf\u00e9");
+  EXPECT_EQ(ReadIesText(files, latin.u16string()), u"caf\u00e9 \u20ac\u0081");
+}
+
+}  // namespace
+}  // namespace orvane

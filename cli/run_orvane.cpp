@@ -12,6 +12,8 @@ constexpr char kUsage[] =
     "\n"
     "commands:\n"
     "  scene check FILE...   load scene files and print what they hold\n"
+    "  scene generate [--objects N] [--materials M] [--lights L] [--cameras C] [--seed S] -o FILE\n"
+    "                        write a large synthetic scene file\n"
     "  package SCENE -o PATH build the scene package (normally .../1.json) and its log beside it\n"
     "  material SCENE NODE   print the material record of a node's material, as the package\n"
     "                        carries it\n"
@@ -45,9 +47,12 @@ int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostr
     out << "orvane " << ORVANE_VERSION << "\n";
     return kExitOk;
   }
+  if (command == "scene" && args.size() >= 2 && args[1] == "generate") {
+    return RunSceneGenerate({args.begin() + 2, args.end()}, out, err);
+  }
   if (command == "scene") {
     if (args.size() < 2 || args[1] != "check") {
-      return UsageError(err, "expected: orvane scene check FILE...");
+      return UsageError(err, "expected: orvane scene check FILE... or orvane scene generate");
     }
     if (args.size() < 3) return UsageError(err, "scene check needs at least one scene file");
     return RunSceneCheck({args.begin() + 2, args.end()}, out, err);

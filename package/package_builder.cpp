@@ -178,10 +178,14 @@ BuildResult BuildPackage(const WriteContext& context, host::FileSystem& files, N
   RenderDisplacement displacement = QueryRenderDisplacement(context.scene);
 
   auto objectCount = static_cast<int32_t>(geometry.size());
-  std::string document = ToUtf8(Header(color, unitScale, displacement, objectCount));
+  std::string header = ToUtf8(Header(color, unitScale, displacement, objectCount));
+  std::string tail = "  ]" + ToUtf8(sections) + "\n}";
+  std::string document;
+  document.reserve(header.size() + objects.size() + tail.size());
+  document += header;
   document += objects;
-  objects = std::string();
-  document += "  ]" + ToUtf8(sections) + "\n}";
+  objects = std::string();  // released before the file is written
+  document += tail;
 
   BuildResult result;
   result.logLineCount = static_cast<int32_t>(log.size());

@@ -362,6 +362,8 @@ void MemScene::IndexHandles() {
   ForEachData(modifiers_, index);
   ForEachData(materials_, index);
   ForEachData(maps_, index);
+  for (const auto& [handle, animatable] : byHandle_)
+    nextFreeHandle_ = std::max(nextFreeHandle_, handle + 1);
 }
 
 const AnimatableData* MemScene::DataOf(const Animatable* animatable) {
@@ -395,21 +397,19 @@ MemObject& MemScene::AddConvertedObject(const MemObject& from) {
   converted.data.superClassId = GEOMOBJECT_CLASS_ID;
   converted.mesh = from.mesh;
   converted.isTriObject = true;
-  AnimHandle next = 1;
-  while (byHandle_.count(next) != 0)
-    ++next;
-  converted.data.handle = next;
-  byHandle_[next] = &converted;
+  converted.data.handle = nextFreeHandle_++;
+  byHandle_[converted.data.handle] = &converted;
   return converted;
 }
 
 void MemScene::DeleteObject(const MemObject& object) {
-  auto found = std::find_if(objects_.begin(), objects_.end(),
+  // Searched from the back: a converted object that nobody took is usually the newest.
+  auto found = std::find_if(objects_.rbegin(), objects_.rend(),
                             [&](const auto& item) { return item.get() == &object; });
-  if (found == objects_.end()) return;
+  if (found == objects_.rend()) return;
   byHandle_.erase(object.data.handle);
   byId_.erase(object.data.id);
-  objects_.erase(found);
+  objects_.erase(std::next(found).base());
 }
 
 }  // namespace orvane::host::memory

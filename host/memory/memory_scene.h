@@ -422,6 +422,7 @@ class MemScene final : public Interface, public IFileResolutionManager {
   std::unordered_map<std::string, Animatable*> byId_;
   std::unordered_map<AnimHandle, Animatable*> byHandle_;
   int convertedCount_ = 0;
+  AnimHandle nextFreeHandle_ = 1;  // no handle at or above it is in use
 };
 
 template <class Base>

@@ -30,7 +30,8 @@ int RunMaterial(const std::vector<std::string>& args, std::ostream& out, std::os
 // `orvane package SCENE -o PATH`: the scene package and its log beside it.
 int RunPackage(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
-// `orvane scene generate [--objects N] [--materials M] [--lights L] [--cameras C] [--seed S] -o FILE`
+// `orvane scene generate [--objects N] [--materials M] [--lights L] [--cameras C] [--seed S] -o
+// FILE`
 int RunSceneGenerate(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
 // `orvane scene check FILE...`

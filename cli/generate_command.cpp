@@ -26,7 +26,8 @@ class Generator {
     scene_->scriptRules.push_back({{u"colorPipelineMgr"}, false, u"OCIO|ACEScg|2.2"});
     scene_->scriptRules.push_back({{u"displacement_amount"}, false, u"1.0|true"});
     MakeMaps(std::max(1, materials / 2));
-    for (int i = 0; i < materials; ++i) MakeMaterial(i);
+    for (int i = 0; i < materials; ++i)
+      MakeMaterial(i);
     MakeGeometry(objects);
     MakeLights(lights);
     MakeCameras(cameras);
@@ -43,8 +44,12 @@ class Generator {
     block->params = std::move(params);
     data.blocks.push_back(std::move(block));
   }
-  static MemParam Float(std::u16string name, float value) { return {std::move(name), TYPE_FLOAT, {value}}; }
-  static MemParam Colour(std::u16string name, Color value) { return {std::move(name), TYPE_FRGBA, {value}}; }
+  static MemParam Float(std::u16string name, float value) {
+    return {std::move(name), TYPE_FLOAT, {value}};
+  }
+  static MemParam Colour(std::u16string name, Color value) {
+    return {std::move(name), TYPE_FRGBA, {value}};
+  }
   static std::u16string Number(int i) {
     std::string text = std::to_string(i);
     return std::u16string(text.begin(), text.end());
@@ -57,9 +62,10 @@ class Generator {
       map.data.className = corona ? u"CoronaBitmap" : u"VRayBitmap";
       map.name = u"texture " + Number(i);
       std::u16string path = u"C:\\textures\\tex" + Number(i % 500) + u".jpg";
-      Block(map.data, {{corona ? u"filename" : u"HDRIMapName", TYPE_FILENAME, {std::optional(path)}},
-                       {u"uvwScale", TYPE_POINT3, {Point3{2, 2, 1}}},
-                       Float(u"gamma", 2.2f)});
+      Block(map.data,
+            {{corona ? u"filename" : u"HDRIMapName", TYPE_FILENAME, {std::optional(path)}},
+             {u"uvwScale", TYPE_POINT3, {Point3{2, 2, 1}}},
+             Float(u"gamma", 2.2f)});
       maps_.push_back(&map);
     }
   }
@@ -75,12 +81,14 @@ class Generator {
       standard.diffuse = {Unit(), Unit(), Unit()};
       material.standard = standard;
     } else {
-      Block(material.data, {Colour(u"baseColor", {Unit(), Unit(), Unit()}), Float(u"baseRoughness", Unit()),
-                            Float(u"reflection_glossiness", Unit()), Float(u"roughness", Unit()),
-                            Float(u"baseMapAmount", 1.0f)});
+      Block(material.data,
+            {Colour(u"baseColor", {Unit(), Unit(), Unit()}), Float(u"baseRoughness", Unit()),
+             Float(u"reflection_glossiness", Unit()), Float(u"roughness", Unit()),
+             Float(u"baseMapAmount", 1.0f)});
     }
     int slots = 2 + Pick(3);
-    for (int s = 0; s < slots; ++s) material.slots.push_back({u"slot" + Number(s), maps_[Pick(static_cast<int>(maps_.size()))]});
+    for (int s = 0; s < slots; ++s)
+      material.slots.push_back({u"slot" + Number(s), maps_[Pick(static_cast<int>(maps_.size()))]});
     materials_.push_back(&material);
     // Every tenth material is a multi-material over earlier ones.
     if (i % 10 == 9) {
@@ -88,7 +96,8 @@ class Generator {
       multi.data.className = u"Multimaterial";
       multi.data.classId = MULTI_MATERIAL_CLASS_ID;
       multi.name = u"Multi " + Number(i);
-      for (int s = 0; s < 3; ++s) multi.subMaterials.push_back(materials_[Pick(static_cast<int>(materials_.size()))]);
+      for (int s = 0; s < 3; ++s)
+        multi.subMaterials.push_back(materials_[Pick(static_cast<int>(materials_.size()))]);
       materials_.push_back(&multi);
     }
   }
@@ -99,14 +108,15 @@ class Generator {
     object.data.superClassId = GEOMOBJECT_CLASS_ID;
     MemMesh mesh;
     mesh.vertices = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
-    mesh.faces = {{{0, 1, 2}, static_cast<uint16_t>(Pick(3))}, {{0, 2, 3}, static_cast<uint16_t>(Pick(3))}};
+    mesh.faces = {{{0, 1, 2}, static_cast<uint16_t>(Pick(3))},
+                  {{0, 2, 3}, static_cast<uint16_t>(Pick(3))}};
     object.mesh = mesh;
     return object;
   }
 
   void MakeGeometry(int count) {
-    static const std::u16string kNames[] = {u"Box", u"Chair", u"Table", u"Wall", u"Floor", u"Lamp",
-                                            u"Plant", u"Shelf", u"Book", u"Cup"};
+    static const std::u16string kNames[] = {u"Box",  u"Chair", u"Table", u"Wall", u"Floor",
+                                            u"Lamp", u"Plant", u"Shelf", u"Book", u"Cup"};
     Object* shared = nullptr;
     for (int i = 0; i < count; ++i) {
       MemNode& node = scene_->AddNode("node" + std::to_string(i));
@@ -114,7 +124,8 @@ class Generator {
       node.scene = scene_.get();
       node.parent = static_cast<MemNode*>(scene_->GetRootNode());
       node.parent->children.push_back(&node);
-      node.transform.rows[3] = {static_cast<float>(i % 100) * 50, static_cast<float>(i / 100) * 50, 0};
+      node.transform.rows[3] = {static_cast<float>(i % 100) * 50, static_cast<float>(i / 100) * 50,
+                                0};
       if (i % 5 != 0 || shared == nullptr) shared = &MakeMesh(i);  // every fifth node an instance
       node.objectRef = shared;
       if (i % 10 == 0) node.objectRef = &Displaced(i, *shared);
@@ -127,7 +138,8 @@ class Generator {
     bool corona = i % 20 == 0;
     modifier.data.className = corona ? u"CoronaDisplacementMod" : u"VRayDisplacementMod";
     modifier.data.superClassId = OSM_CLASS_ID;
-    Block(modifier.data, {Float(corona ? u"maxDisplace" : u"amount", 1.5f), Float(u"waterLevel", 0)});
+    Block(modifier.data,
+          {Float(corona ? u"maxDisplace" : u"amount", 1.5f), Float(u"waterLevel", 0)});
     MemDerivedObject& stack = scene_->AddDerivedObject("stack" + std::to_string(i));
     stack.modifiers.push_back(&modifier);
     stack.objRef = &base;
@@ -141,8 +153,11 @@ class Generator {
         shared = &scene_->AddObject("light" + std::to_string(i));
         shared->data.className = i % 2 == 0 ? u"CoronaLight" : u"VRayLight";
         shared->data.superClassId = LIGHT_CLASS_ID;
-        Block(shared->data, {Float(u"intensity", 10), {u"width", TYPE_WORLD, {100.0f}},
-                             {u"iesFile", TYPE_FILENAME, {std::optional<std::u16string>(u"C:\\ies\\missing.ies")}}});
+        Block(shared->data, {Float(u"intensity", 10),
+                             {u"width", TYPE_WORLD, {100.0f}},
+                             {u"iesFile",
+                              TYPE_FILENAME,
+                              {std::optional<std::u16string>(u"C:\\ies\\missing.ies")}}});
       }
       MemNode& node = scene_->AddNode("lightnode" + std::to_string(i));
       node.name = u"Light " + Number(i);
@@ -185,7 +200,8 @@ int Count(const ParsedFlags& flags, const std::string& flag, int fallback) {
 int RunSceneGenerate(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
   ParsedFlags flags = ParseFlags(
       args, {"--objects", "--materials", "--lights", "--cameras", "--seed", "-o"}, {"-o"});
-  if (flags.error.empty() && !flags.positional.empty()) flags.error = "unexpected " + flags.positional[0];
+  if (flags.error.empty() && !flags.positional.empty())
+    flags.error = "unexpected " + flags.positional[0];
   int objects = 0, materials = 0, lights = 0, cameras = 0;
   unsigned seed = 1;
   try {

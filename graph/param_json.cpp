@@ -39,4 +39,11 @@ void AppendParamJson(FragmentList& fragments, const host::Animatable* object, ho
   fragments.push_back(MakeFragment(jsonKey, FormatParamValueJson(value)));
 }
 
+void AppendParamMappings(FragmentList& fragments, const host::Animatable* object, host::TimeValue t,
+                         std::span<const ParamMapping> mappings) {
+  for (const ParamMapping& mapping : mappings) {
+    AppendParamJson(fragments, object, t, mapping.hostName, mapping.jsonKey);
+  }
+}
+
 }  // namespace orvane

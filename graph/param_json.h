@@ -1,6 +1,7 @@
 // Parameters as JSON members.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,16 @@ std::u16string FormatParamValueJson(const ParamValue& value);
 // missing parameter leaves its key out. The key is written as given, unescaped.
 void AppendParamJson(FragmentList& fragments, const host::Animatable* object, host::TimeValue t,
                      std::u16string_view hostName, std::u16string_view jsonKey);
+
+// A plain mapping from a host parameter to a JSON key.
+struct ParamMapping {
+  std::u16string_view hostName;
+  std::u16string_view jsonKey;
+};
+
+// AppendParamJson for each mapping, in order.
+void AppendParamMappings(FragmentList& fragments, const host::Animatable* object, host::TimeValue t,
+                         std::span<const ParamMapping> mappings);
 
 // `"key":` + valueText.
 std::u16string MakeFragment(std::u16string_view key, std::u16string_view valueText);

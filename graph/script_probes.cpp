@@ -222,14 +222,13 @@ void AppendOutputProbe(FragmentList& fragments, const WriteContext& context,
 
 void AppendGradientProbe(FragmentList& fragments, const WriteContext& context,
                          const host::MtlBase& map) {
-  static constexpr std::pair<std::u16string_view, std::u16string_view> kRows[] = {
-      {u"Gradient_Type", u"gradient_type"},
-      {u"gradientType", u"gradient_type"},
-      {u"Noise_Type", u"noise_type"},
-      {u"amount", u"noise_amount"},
-      {u"size", u"noise_size"},
-      {u"phase", u"noise_phase"},
-      {u"levels", u"noise_levels"}};
+  static constexpr ParamMapping kRows[] = {{u"Gradient_Type", u"gradient_type"},
+                                           {u"gradientType", u"gradient_type"},
+                                           {u"Noise_Type", u"noise_type"},
+                                           {u"amount", u"noise_amount"},
+                                           {u"size", u"noise_size"},
+                                           {u"phase", u"noise_phase"},
+                                           {u"levels", u"noise_levels"}};
   for (auto [host, key] : kRows)
     AppendParamJson(fragments, &map, context.time, host, key);
 

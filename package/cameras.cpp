@@ -15,12 +15,8 @@ namespace {
 
 using host::Point3;
 
-struct Row {
-  std::u16string_view host, key;
-};
-
 // Cameras of different renderers fill the same keys.
-constexpr Row kPhysicalRows[] = {
+constexpr ParamMapping kPhysicalRows[] = {
     {u"film_width_mm", u"sensor_width"},
     {u"film_width", u"sensor_width"},
     {u"sensorWidth", u"sensor_width"},
@@ -111,8 +107,7 @@ std::u16string CameraRecord(const WriteContext& context, host::INode& node, host
     float width = 2 * targetDistance * std::tan(fov * 0.5f);
     optional.push_back(MakeFragment(u"ortho_width", FormatJsonNumber(width)));
   }
-  for (const Row& row : kPhysicalRows)
-    AppendParamJson(optional, &object, t, row.host, row.key);
+  AppendParamMappings(optional, &object, t, kPhysicalRows);
   for (const std::u16string& fragment : optional)
     record += u",\n    " + fragment;
   return record + u"\n  }";

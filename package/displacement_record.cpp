@@ -9,11 +9,7 @@ namespace orvane {
 
 namespace {
 
-struct Row {
-  std::u16string_view host, key;
-};
-
-constexpr Row kCoronaRows[] = {
+constexpr ParamMapping kCoronaRows[] = {
     {u"maxDisplace", u"displacement_max"},       {u"amount", u"displacement_max"},
     {u"displacementMax", u"displacement_max"},   {u"minDisplace", u"displacement_min"},
     {u"displacementMin", u"displacement_min"},   {u"waterLevel", u"displacement_water_level"},
@@ -21,7 +17,7 @@ constexpr Row kCoronaRows[] = {
     {u"displacementType", u"displacement_type"}, {u"enabled", u"displacement_enabled"},
 };
 
-constexpr Row kVRayRows[] = {
+constexpr ParamMapping kVRayRows[] = {
     {u"amount", u"vray_disp_amount"},
     {u"shift", u"vray_disp_shift"},
     {u"relativeToBBox", u"vray_disp_relative_bbox"},
@@ -64,13 +60,11 @@ std::u16string BuildDisplacementRecord(const WriteContext& context, const host::
       if (kind == Kind::kNone) continue;
       FragmentList fragments;
       if (kind == Kind::kCorona) {
-        for (const Row& row : kCoronaRows)
-          AppendParamJson(fragments, modifier, context.time, row.host, row.key);
+        AppendParamMappings(fragments, modifier, context.time, kCoronaRows);
         return fragments.empty() ? u"{\"displacement_found\":true}" : Braced(fragments);
       }
       fragments.push_back(u"\"vray_disp\":true");
-      for (const Row& row : kVRayRows)
-        AppendParamJson(fragments, modifier, context.time, row.host, row.key);
+      AppendParamMappings(fragments, modifier, context.time, kVRayRows);
       bool hasMap = FindParamReference(modifier, u"texmap", context.time) != nullptr;
       fragments.push_back(u"\"vray_disp_has_texmap\":" + FormatJsonBool(hasMap));
       return Braced(fragments);

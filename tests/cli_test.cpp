@@ -66,7 +66,9 @@ TEST(Orvane, AnswersHelpAndVersionAndRefusesBadUsageWithExitCodeTwo) {
       {{"--version"}, kExitOk, "orvane " ORVANE_VERSION "\n"},
       {{}, kExitUsage, "orvane: no command given"},
       {{"frobnicate"}, kExitUsage, "orvane: unknown command \"frobnicate\""},
-      {{"scene"}, kExitUsage, "orvane: expected: orvane scene check FILE... or orvane scene generate"},
+      {{"scene"},
+       kExitUsage,
+       "orvane: expected: orvane scene check FILE... or orvane scene generate"},
       {{"scene", "check"}, kExitUsage, "orvane: scene check needs at least one scene file"},
   };
   for (const auto& c : cases) {

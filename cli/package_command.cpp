@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <ostream>
 
 #include "cli/commands.h"
@@ -17,13 +18,24 @@ int RunPackage(const std::vector<std::string>& args, std::ostream& out, std::ost
     err << "orvane: " << loaded.error << "\n";
     return kExitFailure;
   }
+  // Like any tool that writes a file, make the folder it is asked to write into.
+  std::filesystem::path folder = std::filesystem::path(flags.Get("-o")).parent_path();
+  std::error_code error;
+  if (!folder.empty() && !std::filesystem::is_directory(folder) &&
+      !std::filesystem::create_directories(folder, error)) {
+    err << "orvane: cannot make the folder " << folder.string()
+        << " for the package: " << (error ? error.message() : "a file of that name is in the way")
+        << "\n";
+    return kExitFailure;
+  }
   host::memory::MemScene& scene = *loaded.scene;
   std::u16string document = FromUtf8(flags.Get("-o"));
   NodeTreeState state;
   BuildResult result =
       BuildPackage(WriteContext{scene, scene.GetTime()}, scene.files, state, document);
   if (!result.success) {
-    err << "orvane: cannot write the package to " << flags.Get("-o") << " (" << result.logLineCount
+    err << "orvane: cannot write the package to " << flags.Get("-o")
+        << ": the path is not a writable file (" << result.logLineCount
         << " log lines gathered, nothing written)\n";
     return kExitFailure;
   }

@@ -66,6 +66,12 @@ ssize_t ConnectionStream::read(char* ptr, size_t size) {
 }
 
 ssize_t ConnectionStream::write(const char* ptr, size_t size) {
+  if (cutAfterStatusLine_) {
+    std::string_view reply(ptr, size);
+    RawWrite(ptr, std::min(size, reply.find("\r\n") + 2));
+    shutdown(socket_, SHUT_RDWR);
+    return -1;
+  }
   if (dropDuringBody_ && ++writes_ > 1) {
     RawWrite(ptr, size / 2);
     shutdown(socket_, SHUT_RDWR);

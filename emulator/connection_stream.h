@@ -30,6 +30,8 @@ class ConnectionStream final : public httplib::Stream {
   // Lets the reply's first write (status and headers) through, then sends half of the next
   // write and closes the connection.
   void DropDuringBody() { dropDuringBody_ = true; }
+  // Sends the reply's status line alone, then closes the connection.
+  void CutAfterStatusLine() { cutAfterStatusLine_ = true; }
 
  private:
   bool WaitFor(short events) const;
@@ -41,6 +43,7 @@ class ConnectionStream final : public httplib::Stream {
   std::string head_;
   bool headComplete_ = false;
   bool dropDuringBody_ = false;
+  bool cutAfterStatusLine_ = false;
   int writes_ = 0;
 };
 

@@ -27,7 +27,7 @@ constexpr char kUsage[] =
     "                       \"dailyLimit\", \"conversionsLeft\", \"fault\"}]}\n"
     "  --account TOKEN[:BALANCE[:DAILY_LIMIT[:LEFT[:FAULT]]]]  add an account (repeatable)\n"
     "  --fault MODE         answer every token so: none, empty, 500, 503, slow,\n"
-    "                       drop, non-utf8, large-body\n"
+    "                       drop, cut-headers, non-utf8, large-body\n"
     "  --slow-ms N          delay of the slow fault (default 2000)\n"
     "\n"
     "The first line printed is the address it listens on.\n";

@@ -21,10 +21,15 @@ namespace {
 thread_local ConnectionStream* currentConnection = nullptr;
 
 constexpr std::pair<const char*, Fault> kFaultNames[] = {
-    {"none", Fault::kNone},        {"empty", Fault::kEmpty200},
-    {"500", Fault::kStatus500},    {"503", Fault::kStatus503},
-    {"slow", Fault::kSlow},        {"drop", Fault::kDrop},
-    {"non-utf8", Fault::kNonUtf8}, {"large-body", Fault::kLargeBody},
+    {"none", Fault::kNone},
+    {"empty", Fault::kEmpty200},
+    {"500", Fault::kStatus500},
+    {"503", Fault::kStatus503},
+    {"slow", Fault::kSlow},
+    {"drop", Fault::kDrop},
+    {"cut-headers", Fault::kCutHeaders},
+    {"non-utf8", Fault::kNonUtf8},
+    {"large-body", Fault::kLargeBody},
 };
 
 std::string BearerToken(const httplib::Request& request) {
@@ -164,6 +169,9 @@ void ServiceEmulator::Answer(const httplib::Request& request, httplib::Response&
   Fault fault =
       account != nullptr && account->fault != Fault::kNone ? account->fault : options_.fault;
   switch (fault) {
+    case Fault::kCutHeaders:
+      if (currentConnection != nullptr) currentConnection->CutAfterStatusLine();
+      return Reply(response, 200, "{}");
     case Fault::kEmpty200: return Reply(response, 200, "");
     case Fault::kStatus500: return Reply(response, 500, "");
     case Fault::kStatus503: return Reply(response, 503, "");

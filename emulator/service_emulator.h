@@ -23,13 +23,14 @@ namespace orvane::emulator {
 // How a token's requests are answered instead of normally.
 enum class Fault {
   kNone,
-  kEmpty200,   // 200 with an empty body
-  kStatus500,  // 500 with an empty body
-  kStatus503,  // 503 with an empty body
-  kSlow,       // the normal answer, after a delay
-  kDrop,       // status and headers, then half the body, then the connection is closed
-  kNonUtf8,    // a normal balance reply with bytes that are not UTF-8
-  kLargeBody,  // a normal balance reply padded to 16 MiB
+  kEmpty200,    // 200 with an empty body
+  kStatus500,   // 500 with an empty body
+  kStatus503,   // 503 with an empty body
+  kSlow,        // the normal answer, after a delay
+  kDrop,        // status and headers, then half the body, then the connection is closed
+  kCutHeaders,  // the status line only, then the connection is closed
+  kNonUtf8,     // a normal balance reply with bytes that are not UTF-8
+  kLargeBody,   // a normal balance reply padded to 16 MiB
 };
 
 std::optional<Fault> ParseFault(const std::string& name);

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "graph/wide_text.h"
+#include "host/file_read.h"
 
 namespace orvane::host {
 
@@ -46,14 +47,7 @@ bool LocalFileSystem::Exists(std::u16string_view path) const {
 
 std::optional<std::string> LocalFileSystem::ReadBytes(std::u16string_view path,
                                                       uint64_t maxBytes) const {
-  std::ifstream in(ToLocalPath(path), std::ios::binary | std::ios::ate);
-  if (!in) return std::nullopt;
-  auto size = static_cast<uint64_t>(in.tellg());
-  if (size > maxBytes) return std::nullopt;
-  std::string bytes(size, '\0');
-  in.seekg(0);
-  if (!in.read(bytes.data(), static_cast<std::streamsize>(size))) return std::nullopt;
-  return bytes;
+  return ReadRegularFile(ToLocalPath(path), maxBytes).bytes;
 }
 
 bool LocalFileSystem::WriteBytes(std::u16string_view path, std::string_view bytes) {

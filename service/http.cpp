@@ -56,7 +56,7 @@ HttpResult PerformRequest(HttpClient& client, std::u16string_view url, std::u16s
                           std::u16string_view token, const std::string* body,
                           std::u16string_view extraHeaders) {
   std::optional<ParsedUrl> parsed = ParseUrl(url);
-  if (!parsed) return {false, 0, u"Invalid URL: " + std::u16string(url)};
+  if (!parsed || !ResolvePort(*parsed)) return {false, 0, u"Invalid URL: " + std::u16string(url)};
   HttpExchange exchange =
       client.Exchange(*parsed, method, HeaderLines(token, extraHeaders, body != nullptr), body);
   return Interpret(exchange);

@@ -26,6 +26,11 @@ std::optional<ParsedUrl> ParseUrl(std::u16string_view url) {
   return parsed;
 }
 
+bool ResolvePort(ParsedUrl& url) {
+  if (url.port == 0) url.port = url.secure ? 443 : 80;
+  return url.port > 0 && url.port <= 65535;
+}
+
 std::u16string PercentEncode(std::u16string_view text) {
   static constexpr char16_t kHex[] = u"0123456789ABCDEF";
   std::u16string out;

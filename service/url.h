@@ -21,6 +21,11 @@ struct ParsedUrl {
 // characters or without "://".
 std::optional<ParsedUrl> ParseUrl(std::u16string_view url);
 
+// Windows takes a 16-bit port, and port 0 stands for the scheme's default port there. Sets that
+// default for port 0; false for a port no connection can use (negative or above 65535), which
+// makes the address invalid rather than silently cut to 16 bits.
+bool ResolvePort(ParsedUrl& url);
+
 // Every UTF-8 byte except ASCII letters, digits and "-._~" as "%XX" (upper-case hex).
 std::u16string PercentEncode(std::u16string_view text);
 

@@ -4,6 +4,9 @@
 #include <fstream>
 #include <sstream>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include "cli/commands.h"
 
 namespace orvane::cli {
@@ -35,9 +38,39 @@ TEST(SceneCheck, SummarisesAGoodSceneAndRejectsABadOne) {
   EXPECT_EQ(RunSceneCheck({good, bad}, out2, err2), kExitFailure);
   EXPECT_EQ(err2.str(), "orvane: " + bad + ": nodes[0].id: expected a string\n");
 
-  std::ostringstream out3, err3;
-  EXPECT_EQ(RunSceneCheck({(folder / "missing.json").string()}, out3, err3), kExitFailure);
-  EXPECT_NE(err3.str().find("cannot open"), std::string::npos);
+  std::filesystem::remove_all(folder);
+}
+
+// Paths that are not scene files must be named as such, never read (a pipe would block, a device
+// never ends) and never crash the tool.
+TEST(SceneCheck, RefusesWhatIsNotARegularFile) {
+  auto folder = std::filesystem::temp_directory_path() / "orvane-cli-not-files";
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  std::string fifo = (folder / "pipe").string();
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  std::ofstream(folder / "plain") << "{}";
+  const struct {
+    std::string path, says;
+  } cases[] = {
+      {folder.string(), "is a folder, not a file"},
+      {".", "is a folder, not a file"},
+      {fifo, "is not a regular file (a device, pipe or socket)"},
+      {"/dev/zero", "is not a regular file (a device, pipe or socket)"},
+      {(folder / "missing.json").string(), "does not exist"},
+      {(folder / "plain" / "below.json").string(), "does not exist"},
+  };
+  for (const auto& c : cases) {
+    std::ostringstream out, err;
+    EXPECT_EQ(RunSceneCheck({c.path}, out, err), kExitFailure) << c.path;
+    EXPECT_EQ(err.str().rfind("orvane: " + c.path + ": " + c.says, 0), 0u) << err.str();
+  }
+  if (geteuid() != 0) {  // permissions do not stop root
+    std::filesystem::permissions(folder / "plain", std::filesystem::perms::none);
+    std::ostringstream out, err;
+    EXPECT_EQ(RunSceneCheck({(folder / "plain").string()}, out, err), kExitFailure);
+    EXPECT_NE(err.str().find("cannot be read (no permission, or a read error)"), std::string::npos);
+  }
   std::filesystem::remove_all(folder);
 }
 
@@ -77,6 +110,40 @@ TEST(Orvane, AnswersHelpAndVersionAndRefusesBadUsageWithExitCodeTwo) {
     std::string shown = c.exitCode == kExitOk ? out.str() : err.str();
     EXPECT_EQ(shown.rfind(c.output, 0), 0u) << shown;
   }
+}
+
+}  // namespace
+}  // namespace orvane::cli
+
+namespace orvane::cli {
+namespace {
+
+TEST(PackageCommand, MakesTheFolderItWritesIntoOrSaysWhyItCannot) {
+  auto folder = std::filesystem::temp_directory_path() / "orvane-package-folder";
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  std::string scene = ORVANE_SOURCE_DIR "/examples/studio/studio.scene.json";
+
+  std::string nested = (folder / "job" / "deeper" / "1.json").string();
+  std::ostringstream out, err;
+  EXPECT_EQ(RunOrvane({"package", scene, "-o", nested}, out, err), kExitOk) << err.str();
+  EXPECT_TRUE(std::filesystem::is_regular_file(nested));
+  EXPECT_TRUE(std::filesystem::is_regular_file(folder / "job" / "deeper" / "1.log"));
+
+  std::ofstream(folder / "blocker") << "a file, not a folder";
+  std::string blocked = (folder / "blocker" / "1.json").string();
+  std::ostringstream out2, err2;
+  EXPECT_EQ(RunOrvane({"package", scene, "-o", blocked}, out2, err2), kExitFailure);
+  EXPECT_EQ(err2.str().rfind("orvane: cannot make the folder " + (folder / "blocker").string() +
+                                 " for the package: ",
+                             0),
+            0u)
+      << err2.str();
+
+  std::ostringstream out3, err3;
+  EXPECT_EQ(RunOrvane({"package", scene, "-o", folder.string()}, out3, err3), kExitFailure);
+  EXPECT_NE(err3.str().find("the path is not a writable file"), std::string::npos) << err3.str();
+  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -67,6 +68,7 @@ class ServiceOverSockets : public ::testing::Test {
         {"e503", 5, 0, -1, Fault::kStatus503},
         {"e500", 5, 0, -1, Fault::kStatus500},
         {"drop", 5, 10, 4, Fault::kDrop},
+        {"cut", 5, 10, 4, Fault::kCutHeaders},
         {"slow", 5, 10, 4, Fault::kSlow},
         {"nonutf8", 5, 10, 4, Fault::kNonUtf8},
         {"large", 5, 10, 4, Fault::kLargeBody},
@@ -120,6 +122,8 @@ TEST_F(ServiceOverSockets, EveryTransportOutcome) {
       {balance, u"e500", false, 500, u"Server returned HTTP 500", false},
       // A reply that breaks off after its headers keeps what arrived, as on Windows.
       {balance, u"drop", true, 200, u"{\"success\":true,\"balance\":5", true},
+      // One that breaks off before its headers end is no reply at all.
+      {balance, u"cut", false, 0, u"HTTP request failed, GetLastError=", true},
       {u"http://127.0.0.1:" + AsciiToWide(std::to_string(UnusedPort())) + u"/api/balance", u"good",
        false, 0, u"HTTP request failed, GetLastError=7", false},
   };
@@ -276,11 +280,37 @@ TEST_F(ServiceOverSockets, TheCommandsShowWhatThePanelWould) {
     EXPECT_EQ(out.str(), c.out);
     EXPECT_EQ(err.str(), c.err);
   }
+  for (std::string command : {"balance", "submit"}) {
+    std::vector<std::string> args{command, "--service", service, "--token", "cut"};
+    if (command == "submit") args.insert(args.end(), {"--job", "desk", package_.string()});
+    std::ostringstream cutOut, cutErr;
+    EXPECT_EQ(cli::RunOrvane(args, cutOut, cutErr), cli::kExitFailure) << command;
+    EXPECT_EQ(cutOut.str(), "");
+    EXPECT_NE(cutErr.str().find("HTTP request failed, GetLastError="), std::string::npos)
+        << cutErr.str();
+  }
   std::ostringstream out, err;
   EXPECT_EQ(cli::RunOrvane({"submit", "--service", service, "--token", "good", "--job", "x",
                             "--target", "5.3", package_.string()},
                            out, err),
             cli::kExitUsage);
+}
+
+// A package path that names no readable file is refused before any connection, and reading it
+// never blocks (a pipe) or runs away (a device).
+TEST_F(ServiceOverSockets, SubmitRefusesWhatIsNotAFile) {
+  fs::path fifo = data_ / "pipe";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  for (std::string package : {std::string("."), data_.string(), fifo.string(),
+                              std::string("/dev/zero"), (data_ / "missing.json").string()}) {
+    std::ostringstream out, err;
+    EXPECT_EQ(cli::RunOrvane({"submit", "--service", emulator_->BaseUrl(), "--token", "good",
+                              "--job", "j", package},
+                             out, err),
+              cli::kExitFailure);
+    EXPECT_EQ(err.str(), "HTTP 0\nCannot read JSON file: " + package + "\n");
+  }
+  EXPECT_TRUE(emulator_->Requests().empty());
 }
 
 class ServiceOverTls : public ServiceOverSockets {

@@ -5,6 +5,7 @@
 #include "service/account_status.h"
 #include "service/http.h"
 #include "service/leading_int.h"
+#include "service/redirect.h"
 #include "service/url.h"
 
 namespace orvane {
@@ -155,6 +156,13 @@ HttpExchange Replied(int32_t status, std::string body) {
   return {HttpExchange::Outcome::kReplied, status, std::move(body), 0};
 }
 
+HttpExchange Failed(HttpExchange::Outcome outcome, uint32_t errorCode = 0) {
+  HttpExchange exchange;
+  exchange.outcome = outcome;
+  exchange.errorCode = errorCode;
+  return exchange;
+}
+
 TEST(ServiceRequest, EveryOutcomeBecomesItsResult) {
   using Outcome = HttpExchange::Outcome;
   const struct {
@@ -163,13 +171,11 @@ TEST(ServiceRequest, EveryOutcomeBecomesItsResult) {
     int32_t status;
     std::u16string text;
   } cases[] = {
-      {{Outcome::kSessionFailed, 0, "", 0}, false, 0, u"WinHttpOpen failed"},
-      {{Outcome::kConnectFailed, 0, "", 0}, false, 0, u"WinHttpConnect failed"},
-      {{Outcome::kRequestFailed, 0, "", 0}, false, 0, u"WinHttpOpenRequest failed"},
-      {{Outcome::kSendFailed, 0, "", 12029}, false, 0, u"HTTP request failed, GetLastError=12029"},
-      {{Outcome::kStatusUnreadable, 0, "x", 5},
-       false,
-       0,
+      {Failed(Outcome::kSessionFailed), false, 0, u"WinHttpOpen failed"},
+      {Failed(Outcome::kConnectFailed), false, 0, u"WinHttpConnect failed"},
+      {Failed(Outcome::kRequestFailed), false, 0, u"WinHttpOpenRequest failed"},
+      {Failed(Outcome::kSendFailed, 12029), false, 0, u"HTTP request failed, GetLastError=12029"},
+      {Failed(Outcome::kStatusUnreadable, 5), false, 0,
        u"Could not read HTTP status code, GetLastError=5"},
       {Replied(200, "{}"), true, 200, u"{}"},
       {Replied(204, ""), true, 204, u""},
@@ -205,11 +211,66 @@ TEST(ServiceRequest, HeadersComeInTheirFixedOrder) {
 }
 
 TEST(ServiceRequest, AnInvalidUrlSendsNothing) {
-  ScriptedClient client(Replied(200, ""));
-  HttpResult result = PerformRequest(client, u"localhost/api", u"GET", u"t", nullptr, u"");
-  EXPECT_FALSE(result.ok);
-  EXPECT_EQ(result.text, u"Invalid URL: localhost/api");
-  EXPECT_EQ(client.calls, 0);
+  // Windows connects to 16-bit ports only: a port beyond them is a wrong address, not a port cut
+  // to 16 bits.
+  for (std::u16string url :
+       {u"localhost/api", u"http://h:65536/api", u"https://h:99999999/", u"http://h:-1/"}) {
+    ScriptedClient client(Replied(200, ""));
+    HttpResult result = PerformRequest(client, url, u"GET", u"t", nullptr, u"");
+    EXPECT_FALSE(result.ok);
+    EXPECT_EQ(result.text, u"Invalid URL: " + url);
+    EXPECT_EQ(client.calls, 0) << ToUtf8(url);
+  }
+}
+
+TEST(ServiceRequest, PortZeroMeansTheSchemeDefault) {
+  const struct {
+    std::u16string url;
+    int32_t port;
+  } cases[] = {{u"http://h:/x", 80}, {u"https://h:0/x", 443}, {u"http://h:65535", 65535}};
+  for (const auto& c : cases) {
+    ScriptedClient client(Replied(200, ""));
+    PerformRequest(client, c.url, u"GET", u"t", nullptr, u"");
+    EXPECT_EQ(client.lastUrl.port, c.port) << ToUtf8(c.url);
+  }
+}
+
+TEST(ServiceRedirect, FollowsAsWindowsDoes) {
+  ParsedUrl secure = *ParseUrl(u"https://api.example/node/api/v1/jobs");
+  ParsedUrl plain = *ParseUrl(u"http://api.example/node/api/v1/jobs");
+  const struct {
+    int status;
+    const ParsedUrl& from;
+    std::u16string method, location;
+    bool follows;
+    std::u16string nextMethod;
+    bool keepsBody, keepsCredentials;
+  } cases[] = {
+      {301, secure, u"POST", u"https://api.example/v2/jobs", true, u"GET", false, true},
+      {302, secure, u"POST", u"https://api.example/v2/jobs", true, u"GET", false, true},
+      {303, secure, u"POST", u"https://api.example/v2/jobs", true, u"GET", false, true},
+      {303, secure, u"PUT", u"https://api.example/v2/jobs", true, u"GET", false, true},
+      {302, secure, u"GET", u"https://api.example/v2", true, u"GET", false, true},
+      {307, secure, u"POST", u"https://api.example/v2/jobs", true, u"POST", true, true},
+      {308, secure, u"POST", u"https://API.example/v2/jobs", true, u"POST", true, true},
+      {307, plain, u"POST", u"https://api.example/v2/jobs", true, u"POST", true, false},
+      {302, plain, u"GET", u"http://elsewhere.example/", true, u"GET", false, false},
+      {302, secure, u"POST", u"http://api.example/v2/jobs", false, u"", false, false},
+      {308, secure, u"POST", u"http://api.example/v2/jobs", false, u"", false, false},
+      {302, secure, u"POST", u"", false, u"", false, false},
+      {302, secure, u"POST", u"https://api.example:70000/", false, u"", false, false},
+      {300, secure, u"GET", u"https://api.example/v2", false, u"", false, false},
+      {304, secure, u"GET", u"https://api.example/v2", false, u"", false, false},
+  };
+  for (const auto& c : cases) {
+    std::optional<Redirect> next = FollowRedirect(c.status, c.from, c.method, c.location);
+    SCOPED_TRACE(std::to_string(c.status) + " " + ToUtf8(c.method) + " " + ToUtf8(c.location));
+    ASSERT_EQ(next.has_value(), c.follows);
+    if (!next) continue;
+    EXPECT_EQ(next->method, c.nextMethod);
+    EXPECT_EQ(next->keepsBody, c.keepsBody);
+    EXPECT_EQ(next->keepsCredentials, c.keepsCredentials);
+  }
 }
 
 TEST(ServiceAccount, TheServiceWordsForABadTokenDecideBeforeTheStatus) {
@@ -227,11 +288,8 @@ TEST(ServiceAccount, TheServiceWordsForABadTokenDecideBeforeTheStatus) {
       {Replied(500, "{\"error\":\"db down\"}"), false, u"{\"error\":\"db down\"}", -1, -1},
       // The transport has already put words to an empty refusal.
       {Replied(503, ""), false, u"Server returned HTTP 503", -1, -1},
-      {{HttpExchange::Outcome::kSendFailed, 0, "", 7},
-       false,
-       u"HTTP request failed, GetLastError=7",
-       -1,
-       -1},
+      {Failed(HttpExchange::Outcome::kSendFailed, 7), false, u"HTTP request failed, GetLastError=7",
+       -1, -1},
   };
   for (const auto& c : cases) {
     ScriptedClient client(c.exchange);

@@ -1,14 +1,13 @@
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <unordered_map>
 
 #include "graph/wide_text.h"
+#include "host/file_read.h"
 #include "host/memory/scene_file.h"
 #include "host/memory/scene_file_names.h"
 
@@ -809,6 +808,100 @@ class Loader {
   Declared<MemTexmap> maps_;
 };
 
+// Builds the document as nlohmann's own parser does, and rejects a duplicate key (which
+// nlohmann would silently let the last one win) with its JSON path. The path is only spelt out
+// on failure: building it for every container would cost time in proportion to the depth.
+class StrictDomBuilder {
+ public:
+  explicit StrictDomBuilder(json& root) : dom_(root) {}
+
+  bool null() { return CountElement() && dom_.null(); }
+  bool boolean(bool value) { return CountElement() && dom_.boolean(value); }
+  bool number_integer(json::number_integer_t value) {
+    return CountElement() && dom_.number_integer(value);
+  }
+  bool number_unsigned(json::number_unsigned_t value) {
+    return CountElement() && dom_.number_unsigned(value);
+  }
+  bool number_float(json::number_float_t value, const std::string& text) {
+    return CountElement() && dom_.number_float(value, text);
+  }
+  bool string(std::string& value) { return CountElement() && dom_.string(value); }
+  bool binary(json::binary_t& value) { return CountElement() && dom_.binary(value); }
+  bool start_object(size_t size) {
+    CountElement();
+    frames_.push_back({true, {}, {}, 0});
+    return dom_.start_object(size);
+  }
+  bool key(std::string& name) {
+    Frame& object = frames_.back();
+    if (!object.keys.insert(name).second) {
+      object.key = name;
+      Fail(Path(), "duplicate key");
+    }
+    object.key = name;
+    return dom_.key(name);
+  }
+  bool end_object() {
+    frames_.pop_back();
+    return dom_.end_object();
+  }
+  bool start_array(size_t size) {
+    CountElement();
+    frames_.push_back({false, {}, {}, 0});
+    return dom_.start_array(size);
+  }
+  bool end_array() {
+    frames_.pop_back();
+    return dom_.end_array();
+  }
+  bool parse_error(size_t position, const std::string& token, const json::exception& error) {
+    return dom_.parse_error(position, token, error);  // throws the parser's own error
+  }
+
+ private:
+  struct Frame {
+    bool isObject;
+    std::set<std::string> keys;
+    std::string key;  // the member being read
+    size_t count;     // elements of an array seen so far
+  };
+
+  bool CountElement() {
+    if (!frames_.empty() && !frames_.back().isObject) ++frames_.back().count;
+    return true;
+  }
+  std::string Path() const {
+    std::string path;
+    for (const Frame& frame : frames_) {
+      path = frame.isObject ? Member(path, frame.key) : Element(path, frame.count - 1);
+    }
+    return path;
+  }
+
+  nlohmann::detail::json_sax_dom_parser<json> dom_;
+  std::vector<Frame> frames_;
+};
+
+json ParseStrictly(std::string_view text) {
+  json root;
+  StrictDomBuilder builder(root);
+  json::sax_parse(text, &builder);
+  return root;
+}
+
+// nlohmann stops at a NUL byte as if the text ended there, which would load a file with garbage
+// after it; such a file is not a scene file.
+void RejectNulBytes(std::string_view text) {
+  size_t nul = text.find('\0');
+  if (nul == std::string_view::npos) return;
+  size_t lineStart = text.rfind('\n', nul);
+  size_t line = 1 + static_cast<size_t>(std::count(text.begin(), text.begin() + nul, '\n'));
+  size_t column = nul - (lineStart == std::string_view::npos ? 0 : lineStart + 1) + 1;
+  Fail({}, "parse error at line " + std::to_string(line) + ", column " + std::to_string(column) +
+               ": a NUL byte, which JSON text cannot contain");
+}
+
 // nlohmann's messages start with an "[json.exception...]" tag that means nothing to a user.
 std::string DescribeJsonError(const json::exception& error) {
   std::string message = error.what();
@@ -821,7 +914,8 @@ std::string DescribeJsonError(const json::exception& error) {
 SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path& folder) {
   SceneLoadResult result;
   try {
-    json root = json::parse(text);
+    RejectNulBytes(text);
+    json root = ParseStrictly(text);
     result.scene = Loader(root, folder).Load();
   } catch (const json::exception& error) {
     // Malformed text, and numbers too large for any JSON number type.
@@ -833,11 +927,9 @@ SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path
 }
 
 SceneLoadResult LoadSceneFile(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  if (!in) return {nullptr, "cannot open " + file.string()};
-  std::ostringstream text;
-  text << in.rdbuf();
-  SceneLoadResult result = LoadSceneText(text.str(), file.parent_path());
+  FileRead read = ReadRegularFile(file, std::numeric_limits<uint64_t>::max());
+  if (!read.bytes) return {nullptr, file.string() + ": " + DescribeFileReadError(read.error)};
+  SceneLoadResult result = LoadSceneText(*read.bytes, file.parent_path());
   if (!result.scene) result.error = file.string() + ": " + result.error;
   return result;
 }

@@ -1,0 +1,26 @@
+// Reading a whole file from this machine's disk. Paths users type or scenes name can point at a
+// folder, a device or a pipe: those are refused before anything is opened (opening a pipe would
+// wait for a writer, and a device such as /dev/zero never ends), and a read never allocates more
+// than the file really holds.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace orvane::host {
+
+enum class FileReadError { kNone, kMissing, kFolder, kNotRegularFile, kTooLarge, kUnreadable };
+
+struct FileRead {
+  std::optional<std::string> bytes;  // set exactly when error is kNone
+  FileReadError error = FileReadError::kNone;
+};
+
+FileRead ReadRegularFile(const std::filesystem::path& path, uint64_t maxBytes);
+
+// "does not exist", "is a folder, not a file", … — to follow the path in a message.
+std::string DescribeFileReadError(FileReadError error);
+
+}  // namespace orvane::host

@@ -392,6 +392,8 @@ class MemScene final : public Interface, public IFileResolutionManager {
   void AssignMissingHandles();
   // Registers the handles given so far for GetAnimByHandle.
   void IndexHandles();
+  // What the host does when the user deletes an animatable: its handle finds nothing any more.
+  void ForgetHandle(AnimHandle handle) { byHandle_.erase(handle); }
 
   // --- What the core did ---
   std::vector<Rename> renames;

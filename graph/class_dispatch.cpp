@@ -171,11 +171,15 @@ std::u16string LowerAscii(std::u16string_view text) {
   return lowered;
 }
 
-std::u16string NormalizeClassTypeName(std::u16string_view className, bool isMaterial) {
+std::u16string_view StripLeadingNonAlnum(std::u16string_view className) {
   size_t start = 0;
   while (start < className.size() && !IsAsciiAlnum(className[start]))
     ++start;
-  std::u16string_view stripped = className.substr(start);
+  return className.substr(start);
+}
+
+std::u16string NormalizeClassTypeName(std::u16string_view className, bool isMaterial) {
+  std::u16string_view stripped = StripLeadingNonAlnum(className);
   std::u16string lowered = LowerAscii(stripped);
   for (const FixedTypeName& fixed : kFixedTypeNames) {
     if (lowered != fixed.className) continue;

@@ -26,6 +26,9 @@ std::vector<const WriterTable*> AllWriters();
 // each writer the class names that reach it and its rows in emission order.
 std::string FormatWriterReference();
 
+// The class name without the characters before its first ASCII letter or digit.
+std::u16string_view StripLeadingNonAlnum(std::u16string_view className);
+
 // Lower-cases ASCII letters only, so matching does not depend on the process locale.
 std::u16string LowerAscii(std::u16string_view text);
 

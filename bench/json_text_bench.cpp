@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "graph/json_text.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 namespace {
 

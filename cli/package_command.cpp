@@ -3,7 +3,7 @@
 
 #include "cli/commands.h"
 #include "cli/flags.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "package/package_builder.h"
 

@@ -2,7 +2,7 @@
 
 #include "cli/commands.h"
 #include "cli/flags.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/local_file_system.h"
 #include "service/account_status.h"
 #include "service/curl_http_client.h"

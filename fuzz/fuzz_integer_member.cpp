@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "service/account_status.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "service/url.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "graph/json_text.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 namespace orvane {
 

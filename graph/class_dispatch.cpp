@@ -5,7 +5,7 @@
 #include <map>
 #include <vector>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 #include "graph/bitmap_writers.h"
 #include "graph/material_writers.h"

@@ -7,7 +7,7 @@
 #include "graph/param_lookup.h"
 #include "graph/script_probes.h"
 #include "graph/slot_switch.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 namespace orvane {
 

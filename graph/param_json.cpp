@@ -1,6 +1,6 @@
 #include "graph/param_json.h"
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 namespace orvane {
 

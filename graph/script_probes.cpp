@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "graph/param_json.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 namespace orvane {
 

@@ -5,7 +5,7 @@
 #include "graph/param_json.h"
 #include "graph/script_probes.h"
 #include "graph/slot_switch.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 namespace orvane {
 

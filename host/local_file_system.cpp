@@ -3,7 +3,7 @@
 #include <fstream>
 #include <system_error>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/file_read.h"
 
 namespace orvane::host {

@@ -3,7 +3,7 @@
 #include <unordered_map>
 
 #include "graph/param_lookup.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/object.h"
 #include "host/scene_walk.h"
 

@@ -4,7 +4,7 @@
 
 #include "graph/json_text.h"
 #include "graph/param_json.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/node.h"
 #include "host/object.h"
 #include "host/scene_walk.h"

@@ -3,7 +3,7 @@
 #include <charconv>
 
 #include "graph/json_text.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 namespace orvane {
 

@@ -2,7 +2,7 @@
 
 #include "graph/class_dispatch.h"
 #include "graph/json_text.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 namespace orvane {
 

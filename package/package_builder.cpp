@@ -6,7 +6,7 @@
 #include <unordered_set>
 
 #include "graph/json_text.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/object.h"
 #include "host/scene_walk.h"
 #include "lights/lights.h"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "graph/param_lookup.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/object.h"
 #include "host/scene_walk.h"
 

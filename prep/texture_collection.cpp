@@ -4,7 +4,7 @@
 
 #include "graph/class_dispatch.h"
 #include "graph/param_lookup.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/node.h"
 #include "host/object.h"
 #include "host/scene_walk.h"

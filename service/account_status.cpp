@@ -1,7 +1,7 @@
 #include "service/account_status.h"
 
-#include "graph/wide_text.h"
-#include "service/leading_int.h"
+#include "base/wide_text.h"
+#include "base/leading_int.h"
 
 namespace orvane {
 

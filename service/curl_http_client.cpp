@@ -5,7 +5,7 @@
 #include <memory>
 #include <mutex>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "service/redirect.h"
 
 namespace orvane {

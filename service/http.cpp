@@ -1,6 +1,6 @@
 #include "service/http.h"
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 
 namespace orvane {
 

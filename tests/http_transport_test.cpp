@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "emulator/self_signed.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "service/curl_http_client.h"
 #include "service/http.h"
 #include "tests/raw_http_server.h"

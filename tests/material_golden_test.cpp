@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "graph/class_dispatch.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "host/scene_walk.h"
 #include "package/material_record.h"

@@ -1,7 +1,7 @@
 // Material names made safe and unique for the export, and put back afterwards.
 #include <gtest/gtest.h>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "prep/material_names.h"
 

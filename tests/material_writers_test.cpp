@@ -8,7 +8,7 @@
 #include "graph/material_writers.h"
 #include "graph/node_tree.h"
 #include "graph/script_probes.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "package/material_record.h"
 

@@ -6,7 +6,7 @@
 #include <fstream>
 
 #include <set>
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 
 namespace orvane::host::memory {

@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "prep/multitexture_bake.h"
 

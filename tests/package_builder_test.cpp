@@ -5,7 +5,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "lights/lights.h"
 #include "package/package_builder.h"

@@ -1,7 +1,7 @@
 // Displacement records and the render-settings replies.
 #include <gtest/gtest.h>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "package/displacement_record.h"
 #include "package/render_settings.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "graph/param_json.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/memory_scene.h"
 
 namespace orvane {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 
 namespace orvane {

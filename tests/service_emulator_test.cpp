@@ -14,7 +14,7 @@
 
 #include "cli/commands.h"
 #include "emulator/service_emulator.h"
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/local_file_system.h"
 #include "service/account_status.h"
 #include "service/curl_http_client.h"

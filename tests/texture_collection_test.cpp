@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/file_read.h"
 #include "host/memory/scene_file.h"
 #include "prep/texture_collection.h"

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <unordered_map>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/file_read.h"
 #include "host/memory/scene_file.h"
 #include "host/memory/scene_file_names.h"

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "graph/wide_text.h"
+#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "host/memory/scene_file_names.h"
 

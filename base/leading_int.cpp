@@ -1,4 +1,4 @@
-#include "service/leading_int.h"
+#include "base/leading_int.h"
 
 #include <limits>
 

@@ -30,6 +30,16 @@ int RunMaterial(const std::vector<std::string>& args, std::ostream& out, std::os
 // `orvane package SCENE -o PATH`: the scene package and its log beside it.
 int RunPackage(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
+// `orvane fbx SCENE -o FILE`: the scene as the in-memory host exports it.
+int RunFbx(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
+// `orvane textures SCENE --job DIR`: the scene's textures copied into DIR/textures.
+int RunTextures(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
+// `orvane prep SCENE -o FILE`: material names made unique and MultiTexture maps baked, as a send
+// does before its export; the changed scene is written to FILE.
+int RunPrep(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
 // `orvane scene generate [--objects N] [--materials M] [--lights L] [--cameras C] [--seed S] -o
 // FILE`
 int RunSceneGenerate(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);

@@ -1,7 +1,7 @@
 #include <ostream>
 
-#include "cli/commands.h"
 #include "base/wide_text.h"
+#include "cli/commands.h"
 #include "host/memory/scene_file.h"
 #include "host/scene_walk.h"
 #include "package/material_record.h"

@@ -1,9 +1,10 @@
 #include <filesystem>
 #include <ostream>
 
+#include "base/wide_text.h"
 #include "cli/commands.h"
 #include "cli/flags.h"
-#include "base/wide_text.h"
+#include "cli/output_folder.h"
 #include "host/memory/scene_file.h"
 #include "package/package_builder.h"
 
@@ -18,14 +19,7 @@ int RunPackage(const std::vector<std::string>& args, std::ostream& out, std::ost
     err << "orvane: " << loaded.error << "\n";
     return kExitFailure;
   }
-  // Like any tool that writes a file, make the folder it is asked to write into.
-  std::filesystem::path folder = std::filesystem::path(flags.Get("-o")).parent_path();
-  std::error_code error;
-  if (!folder.empty() && !std::filesystem::is_directory(folder) &&
-      !std::filesystem::create_directories(folder, error)) {
-    err << "orvane: cannot make the folder " << folder.string()
-        << " for the package: " << (error ? error.message() : "a file of that name is in the way")
-        << "\n";
+  if (!MakeFolder(std::filesystem::path(flags.Get("-o")).parent_path(), "the package", err)) {
     return kExitFailure;
   }
   host::memory::MemScene& scene = *loaded.scene;

@@ -17,6 +17,11 @@ constexpr char kUsage[] =
     "  package SCENE -o PATH build the scene package (normally .../1.json) and its log beside it\n"
     "  material SCENE NODE   print the material record of a node's material, as the package\n"
     "                        carries it\n"
+    "  fbx SCENE -o FILE     export the scene as binary FBX, as the send's export does\n"
+    "  textures SCENE --job DIR\n"
+    "                        copy the scene's textures into DIR/textures; list the missing ones\n"
+    "  prep SCENE -o FILE    make material names unique and bake MultiTexture maps into vertex\n"
+    "                        colours, as the send does; write the changed scene to FILE\n"
     "  writers               print the reference of every parameter writer (Markdown)\n"
     "  balance --service URL --token TOKEN [--ca-file FILE]\n"
     "                        show the account's daily conversions, as the panel does\n"
@@ -60,6 +65,9 @@ int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostr
   std::vector<std::string> rest(args.begin() + 1, args.end());
   if (command == "package") return RunPackage(rest, out, err);
   if (command == "material") return RunMaterial(rest, out, err);
+  if (command == "fbx") return RunFbx(rest, out, err);
+  if (command == "textures") return RunTextures(rest, out, err);
+  if (command == "prep") return RunPrep(rest, out, err);
   if (command == "writers") {
     out << FormatWriterReference();
     return kExitOk;

@@ -1,8 +1,8 @@
 #include <ostream>
 
+#include "base/wide_text.h"
 #include "cli/commands.h"
 #include "cli/flags.h"
-#include "base/wide_text.h"
 #include "host/local_file_system.h"
 #include "service/account_status.h"
 #include "service/curl_http_client.h"

@@ -1,10 +1,10 @@
 #include "prep/material_names.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <unordered_map>
 #include <unordered_set>
 
+#include "base/wide_text.h"
 #include "host/node.h"
 #include "host/object.h"
 #include "host/scene_walk.h"
@@ -77,10 +77,11 @@ void Rename(host::Mtl* material, const std::u16string& newName,
   material->SetName(newName);
 }
 
+// "_%02d": _01 … _99, _100 …
 std::u16string Suffix(size_t position) {
-  char buffer[8];
-  std::snprintf(buffer, sizeof buffer, "_%02zu", position);
-  return std::u16string(buffer, buffer + std::char_traits<char>::length(buffer));
+  std::string digits = std::to_string(position);
+  if (digits.size() < 2) digits.insert(0, 1, '0');
+  return u"_" + AsciiToWide(digits);
 }
 
 }  // namespace

@@ -30,7 +30,8 @@ TEST(SceneCheck, SummarisesAGoodSceneAndRejectsABadOne) {
   EXPECT_EQ(RunSceneCheck({good}, out, err), kExitOk);
   EXPECT_EQ(out.str(), good +
                            ": ok\n  nodes: 3\n  geometry nodes with materials: 1\n"
-                           "  materials: 1\n  maps: 1\n  lights: 1\n  cameras: 0\n");
+                           "  materials: 1\n  maps: 1\n  lights: 1\n  cameras: 0\n"
+                           "  meshes with vertex colours: 0\n");
   EXPECT_EQ(err.str(), "");
 
   std::ostringstream out2, err2;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/memory/fbx_writer.h"
+
 namespace orvane::host::memory {
 
 namespace {
@@ -191,7 +193,7 @@ bool MemScene::ExportToFile(std::u16string_view path, bool) {
   bool succeeded = false;
   switch (exportBehaviour) {
     case ExportBehaviour::kWrites:
-      succeeded = files.WriteBytes(path, "Orvane in-memory host: scene export placeholder\n");
+      succeeded = files.WriteBytes(path, WriteFbx(*this));
       break;
     case ExportBehaviour::kFails: break;
     case ExportBehaviour::kWritesNothing: succeeded = true; break;

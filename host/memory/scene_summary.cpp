@@ -19,6 +19,9 @@ SceneSummary SummarizeScene(MemScene& scene) {
       default: break;
     }
   }
+  for (const auto& object : scene.objects()) {
+    if (object->mesh && !object->mesh->colorFaces.empty()) ++summary.meshesWithVertexColors;
+  }
   summary.materials = static_cast<int>(scene.materials().size());
   summary.maps = static_cast<int>(scene.maps().size());
   return summary;
@@ -30,7 +33,8 @@ std::string FormatSceneSummary(const SceneSummary& summary) {
          "\n  materials: " + std::to_string(summary.materials) +
          "\n  maps: " + std::to_string(summary.maps) +
          "\n  lights: " + std::to_string(summary.lights) +
-         "\n  cameras: " + std::to_string(summary.cameras) + "\n";
+         "\n  cameras: " + std::to_string(summary.cameras) +
+         "\n  meshes with vertex colours: " + std::to_string(summary.meshesWithVertexColors) + "\n";
 }
 
 }  // namespace orvane::host::memory

@@ -14,6 +14,7 @@ struct SceneSummary {
   int maps = 0;
   int lights = 0;
   int cameras = 0;
+  int meshesWithVertexColors = 0;  // objects whose mesh carries colours and colour faces
 };
 
 SceneSummary SummarizeScene(MemScene& scene);

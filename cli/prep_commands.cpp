@@ -80,6 +80,13 @@ int RunPrep(const std::vector<std::string>& args, std::ostream& out, std::ostrea
   BakeMultiTextureVC(*scene);
   for (const auto& line : scene->log)
     out << ToUtf8(line.text) << "\n";
+  // The scene's file table names files relative to the scene file; written elsewhere, the
+  // scene must still find them.
+  std::filesystem::path from = std::filesystem::absolute(flags.positional[0]).parent_path();
+  std::filesystem::path to = std::filesystem::absolute(file).parent_path();
+  for (auto& [hostPath, local] : scene->fileAliases) {
+    local = (from / local).lexically_normal().lexically_relative(to).generic_string();
+  }
   std::ofstream written(file, std::ios::binary | std::ios::trunc);
   written << host::memory::WriteSceneText(*scene);
   written.close();

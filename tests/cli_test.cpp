@@ -149,3 +149,46 @@ TEST(PackageCommand, MakesTheFolderItWritesIntoOrSaysWhyItCannot) {
 
 }  // namespace
 }  // namespace orvane::cli
+
+namespace orvane::cli {
+namespace {
+
+// The preparation commands on the bundled interior: a real FBX file, the textures it ships with
+// and the one it lacks, and a prepared scene that still finds its files from another folder.
+TEST(PrepCommands, ExportCollectAndPrepareTheInterior) {
+  namespace fs = std::filesystem;
+  fs::path folder = fs::temp_directory_path() / "orvane-prep-commands";
+  fs::remove_all(folder);
+  std::string scene = ORVANE_SOURCE_DIR "/examples/interior/interior.scene.json";
+
+  std::ostringstream out, err;
+  std::string fbx = (folder / "job" / "Loft.fbx").string();
+  EXPECT_EQ(RunOrvane({"fbx", scene, "-o", fbx}, out, err), kExitOk) << err.str();
+  std::ifstream file(fbx, std::ios::binary);
+  std::string head(23, '\0');
+  file.read(head.data(), 23);
+  EXPECT_EQ(head, std::string("Kaydara FBX Binary  \0\x1a\0", 23));
+
+  std::ostringstream out2, err2;
+  std::string job = (folder / "job").string();
+  EXPECT_EQ(RunOrvane({"textures", scene, "--job", job}, out2, err2), kExitOk) << err2.str();
+  EXPECT_EQ(out2.str(), "textures: " + job + "/textures\ncopied: 3\nMissing: rug_pattern.jpg\n");
+  EXPECT_TRUE(fs::is_regular_file(folder / "job" / "textures" / "oak_diffuse.jpg"));
+
+  std::ostringstream out3, err3;
+  std::string prepared = (folder / "elsewhere" / "interior.scene.json").string();
+  EXPECT_EQ(RunOrvane({"prep", scene, "-o", prepared}, out3, err3), kExitOk) << err3.str();
+  EXPECT_NE(out3.str().find("material renamed: \"Oak Furniture\" -> \"Oak_Furniture\"\n"),
+            std::string::npos)
+      << out3.str();
+  std::ostringstream out4, err4;
+  EXPECT_EQ(RunOrvane({"textures", prepared, "--job", job}, out4, err4), kExitOk);
+  EXPECT_EQ(out4.str(), out2.str());
+
+  std::ostringstream out5, err5;
+  EXPECT_EQ(RunOrvane({"fbx", scene}, out5, err5), kExitUsage);
+  fs::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace orvane::cli

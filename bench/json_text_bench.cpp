@@ -7,8 +7,8 @@
 #include <sstream>
 #include <vector>
 
-#include "graph/json_text.h"
 #include "base/wide_text.h"
+#include "graph/json_text.h"
 
 namespace {
 

@@ -38,21 +38,25 @@ std::u16string NameHash(std::u16string_view name) {
   return digits;
 }
 
+struct Member {
+  host::Mtl* material;
+  std::u16string name;  // as read, so the rename need not ask the host again
+};
+
 struct NameGroup {
   std::u16string key;
-  std::vector<host::Mtl*> members;
+  std::vector<Member> members;
 };
 
 // Groups in creation order, found by exact key.
 class NameGroups {
  public:
-  void Add(host::Mtl* material, std::u16string key) {
+  explicit NameGroups(size_t expected) { index_.reserve(expected); }
+  void Add(Member member, std::u16string key) {
     auto [found, created] = index_.try_emplace(key, groups_.size());
     if (created) groups_.push_back({std::move(key), {}});
-    std::vector<host::Mtl*>& members = groups_[found->second].members;
-    if (std::find(members.begin(), members.end(), material) == members.end()) {
-      members.push_back(material);
-    }
+    // Each material is visited once, so it can never be in a group already.
+    groups_[found->second].members.push_back(std::move(member));
   }
   const std::vector<NameGroup>& groups() const { return groups_; }
 
@@ -66,15 +70,16 @@ void Visit(host::Mtl* material, std::unordered_set<host::Mtl*>& visited, NameGro
   std::u16string name = material->GetName();
   // A nameless material is left alone, and so are its sub-materials.
   if (name.empty()) return;
-  groups.Add(material, SanitizeMaterialName(name));
+  std::u16string key = SanitizeMaterialName(name);
+  groups.Add({material, std::move(name)}, std::move(key));
   for (int i = 0; i < material->NumSubMtls(); ++i)
     Visit(material->GetSubMtl(i), visited, groups);
 }
 
-void Rename(host::Mtl* material, const std::u16string& newName,
+void Rename(const Member& member, const std::u16string& newName,
             std::vector<MtlRestoreEntry>& list) {
-  list.push_back({material->GetHandle(), material, material->GetName()});
-  material->SetName(newName);
+  list.push_back({member.material->GetHandle(), member.material, member.name});
+  member.material->SetName(newName);
 }
 
 // "_%02d": _01 … _99, _100 …
@@ -103,9 +108,10 @@ std::u16string SanitizeMaterialName(std::u16string_view name) {
 
 std::vector<MtlRestoreEntry> DeduplicateMaterialNames(host::Interface& scene) {
   host::TimeValue t = scene.GetTime();
-  std::unordered_set<host::Mtl*> visited;
-  NameGroups groups;
-  for (host::INode* node : ListSceneNodes(scene)) {
+  std::vector<host::INode*> nodes = ListSceneNodes(scene);
+  std::unordered_set<host::Mtl*> visited(nodes.size());
+  NameGroups groups(nodes.size());
+  for (host::INode* node : nodes) {
     host::Object* object = node->EvalWorldState(t);
     if (object == nullptr || object->SuperClassID() != host::GEOMOBJECT_CLASS_ID) continue;
     Visit(node->GetMtl(), visited, groups);
@@ -114,8 +120,8 @@ std::vector<MtlRestoreEntry> DeduplicateMaterialNames(host::Interface& scene) {
   std::vector<MtlRestoreEntry> list;
   for (const NameGroup& group : groups.groups()) {
     if (group.members.size() == 1) {
-      host::Mtl* only = group.members.front();
-      if (only->GetName() != group.key) Rename(only, group.key, list);
+      const Member& only = group.members.front();
+      if (only.name != group.key) Rename(only, group.key, list);
       continue;
     }
     for (size_t i = 0; i < group.members.size(); ++i)

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "graph/param_lookup.h"
 #include "base/wide_text.h"
+#include "graph/param_lookup.h"
 #include "host/object.h"
 #include "host/scene_walk.h"
 
@@ -81,28 +81,43 @@ class ConvertedMesh {
 };
 
 // Element of every face: faces sharing a vertex belong together; elements are numbered in the
-// order of their lowest face.
-std::vector<int> NumberElements(const host::Mesh& mesh, int& elementCount) {
-  int faceCount = mesh.GetNumFaces();
-  int vertexCount = mesh.GetNumVerts();
-  std::vector<std::vector<int>> facesAtVertex(static_cast<size_t>(vertexCount));
-  for (int f = 0; f < faceCount; ++f) {
-    for (int v : mesh.GetFace(f).v) {
-      if (v >= 0 && v < vertexCount) facesAtVertex[static_cast<size_t>(v)].push_back(f);
+// order of their lowest face, each filled breadth first.
+std::vector<int> NumberElements(const std::vector<host::MeshFace>& faces, int vertexCount,
+                                int& elementCount) {
+  // Faces around each vertex, as one flat list with an offset per vertex.
+  std::vector<int> offsets(static_cast<size_t>(vertexCount) + 1, 0);
+  auto valid = [&](int v) { return v >= 0 && v < vertexCount; };
+  for (const host::MeshFace& face : faces) {
+    for (int v : face.v) {
+      if (valid(v)) ++offsets[static_cast<size_t>(v) + 1];
     }
   }
-  std::vector<int> element(static_cast<size_t>(faceCount), -1);
+  for (size_t v = 1; v < offsets.size(); ++v)
+    offsets[v] += offsets[v - 1];
+  std::vector<int> facesAround(static_cast<size_t>(offsets.back()));
+  std::vector<int> filled(offsets.begin(), offsets.end() - 1);
+  for (size_t f = 0; f < faces.size(); ++f) {
+    for (int v : faces[f].v) {
+      if (valid(v))
+        facesAround[static_cast<size_t>(filled[static_cast<size_t>(v)]++)] = static_cast<int>(f);
+    }
+  }
+
+  std::vector<int> element(faces.size(), -1);
   std::vector<int> queue;
+  queue.reserve(faces.size());
   elementCount = 0;
-  for (int start = 0; start < faceCount; ++start) {
-    if (element[static_cast<size_t>(start)] >= 0) continue;
+  for (size_t start = 0; start < faces.size(); ++start) {
+    if (element[start] >= 0) continue;
     int number = elementCount++;
-    element[static_cast<size_t>(start)] = number;
-    queue.assign(1, start);
+    element[start] = number;
+    queue.assign(1, static_cast<int>(start));
     for (size_t next = 0; next < queue.size(); ++next) {
-      for (int v : mesh.GetFace(queue[next]).v) {
-        if (v < 0 || v >= vertexCount) continue;
-        for (int neighbour : facesAtVertex[static_cast<size_t>(v)]) {
+      for (int v : faces[static_cast<size_t>(queue[next])].v) {
+        if (!valid(v)) continue;
+        for (int k = offsets[static_cast<size_t>(v)]; k < offsets[static_cast<size_t>(v) + 1];
+             ++k) {
+          int neighbour = facesAround[static_cast<size_t>(k)];
           if (element[static_cast<size_t>(neighbour)] >= 0) continue;
           element[static_cast<size_t>(neighbour)] = number;
           queue.push_back(neighbour);
@@ -255,27 +270,29 @@ bool BakeMeshElements(host::INode& node, const host::Texmap& map, int activeCoun
   ConvertedMesh converted(node, t);
   host::Mesh* mesh = converted.mesh();
   if (mesh == nullptr) return false;
+  int vertexCount = mesh->GetNumVerts();
+  std::vector<host::MeshFace> faces(static_cast<size_t>(mesh->GetNumFaces()));
+  for (size_t f = 0; f < faces.size(); ++f)
+    faces[f] = mesh->GetFace(static_cast<int>(f));
   int elementCount = 0;
-  std::vector<int> elementOfFace = NumberElements(*mesh, elementCount);
+  std::vector<int> elementOfFace = NumberElements(faces, vertexCount, elementCount);
 
   std::vector<float> greyOfElement(static_cast<size_t>(elementCount), 0.0f);
   int64_t h = static_cast<int64_t>(seed) * 31 + 1;
   for (int e = 0; e < elementCount; ++e, ++h) {
-    if (activeCount > 0)
+    if (activeCount > 0) {
       greyOfElement[static_cast<size_t>(e)] = GreyOfIndex(std::llabs(h) % activeCount, activeCount);
+    }
   }
 
-  int vertexCount = mesh->GetNumVerts();
-  int faceCount = mesh->GetNumFaces();
   mesh->SetNumVertCol(vertexCount);
-  mesh->SetNumVCFaces(faceCount);
-  for (int f = 0; f < faceCount; ++f) {
-    host::MeshFace face = mesh->GetFace(f);
-    float grey = greyOfElement[static_cast<size_t>(elementOfFace[static_cast<size_t>(f)])];
-    for (int v : face.v) {
+  mesh->SetNumVCFaces(static_cast<int>(faces.size()));
+  for (size_t f = 0; f < faces.size(); ++f) {
+    float grey = greyOfElement[static_cast<size_t>(elementOfFace[f])];
+    for (int v : faces[f].v) {
       if (v >= 0 && v < vertexCount) mesh->SetVertCol(v, {grey, grey, grey});
     }
-    mesh->SetVCFace(f, face.v);
+    mesh->SetVCFace(static_cast<int>(f), faces[f].v);
   }
   converted.Commit();
   return true;

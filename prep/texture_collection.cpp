@@ -2,9 +2,9 @@
 
 #include <unordered_set>
 
+#include "base/wide_text.h"
 #include "graph/class_dispatch.h"
 #include "graph/param_lookup.h"
-#include "base/wide_text.h"
 #include "host/node.h"
 #include "host/object.h"
 #include "host/scene_walk.h"

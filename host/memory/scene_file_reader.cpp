@@ -1,171 +1,18 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <set>
-#include <stdexcept>
 #include <unordered_map>
 
 #include "base/wide_text.h"
 #include "host/file_read.h"
 #include "host/memory/scene_file.h"
+#include "host/memory/scene_file_json.h"
 #include "host/memory/scene_file_names.h"
 
 namespace orvane::host::memory {
 
 namespace {
-
-using json = nlohmann::json;
-
-class SceneFileError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-[[noreturn]] void Fail(const std::string& path, const std::string& message) {
-  throw SceneFileError(path.empty() ? message : path + ": " + message);
-}
-
-std::string Member(const std::string& path, std::string_view key) {
-  return path.empty() ? std::string(key) : path + "." + std::string(key);
-}
-
-std::string Element(const std::string& path, size_t index) {
-  return path + "[" + std::to_string(index) + "]";
-}
-
-// One JSON object of the file, with the keys it may hold.
-class Fields {
- public:
-  Fields(const json& value, std::string path, std::initializer_list<std::string_view> allowed)
-      : value_(value), path_(std::move(path)) {
-    if (!value.is_object()) Fail(path_, "expected an object");
-    for (const auto& item : value.items()) {
-      if (std::find(allowed.begin(), allowed.end(), item.key()) == allowed.end()) {
-        Fail(Member(path_, item.key()), "unknown key");
-      }
-    }
-  }
-
-  const json* Find(std::string_view key) const {
-    auto found = value_.find(key);
-    return found == value_.end() ? nullptr : &*found;
-  }
-  const json& Get(std::string_view key) const {
-    const json* found = Find(key);
-    if (found == nullptr) Fail(path_, "missing key \"" + std::string(key) + "\"");
-    return *found;
-  }
-  std::string PathOf(std::string_view key) const { return Member(path_, key); }
-  const std::string& path() const { return path_; }
-
- private:
-  const json& value_;
-  std::string path_;
-};
-
-const json& RequireArray(const json& value, const std::string& path) {
-  if (!value.is_array()) Fail(path, "expected an array");
-  return value;
-}
-
-std::string ReadString(const json& value, const std::string& path) {
-  if (!value.is_string()) Fail(path, "expected a string");
-  return value.get<std::string>();
-}
-
-std::u16string ReadText(const json& value, const std::string& path) {
-  return FromUtf8(ReadString(value, path));
-}
-
-bool ReadBool(const json& value, const std::string& path) {
-  if (!value.is_boolean()) Fail(path, "expected true or false");
-  return value.get<bool>();
-}
-
-double ReadDouble(const json& value, const std::string& path) {
-  if (!value.is_number()) Fail(path, "expected a number");
-  return value.get<double>();
-}
-
-// JSON has no infinities or NaN; the scene file writes them as "inf", "-inf" and "nan".
-float ReadFloat(const json& value, const std::string& path) {
-  if (value.is_number()) {
-    double number = value.get<double>();
-    if (std::fabs(number) > std::numeric_limits<float>::max()) Fail(path, "out of range");
-    return static_cast<float>(number);
-  }
-  if (value.is_string()) {
-    const auto& text = value.get_ref<const std::string&>();
-    if (text == "nan") return std::numeric_limits<float>::quiet_NaN();
-    if (text == "inf") return std::numeric_limits<float>::infinity();
-    if (text == "-inf") return -std::numeric_limits<float>::infinity();
-  }
-  Fail(path, "expected a number");
-}
-
-int64_t ReadInteger(const json& value, const std::string& path, int64_t low, int64_t high) {
-  if (!value.is_number_integer()) Fail(path, "expected an integer");
-  if (value.is_number_unsigned() && value.get<uint64_t>() > static_cast<uint64_t>(high)) {
-    Fail(path, "out of range");
-  }
-  auto number = value.get<int64_t>();
-  if (number < low || number > high) Fail(path, "out of range");
-  return number;
-}
-
-int ReadInt(const json& value, const std::string& path) {
-  return static_cast<int>(ReadInteger(value, path, std::numeric_limits<int32_t>::min(),
-                                      std::numeric_limits<int32_t>::max()));
-}
-
-// A 32-bit id part: an integer or a hexadecimal string such as "0x240".
-uint32_t ReadIdPart(const json& value, const std::string& path) {
-  if (value.is_string()) {
-    const auto& text = value.get_ref<const std::string&>();
-    if (text.size() > 2 && text.size() <= 10 && text[0] == '0' &&
-        (text[1] == 'x' || text[1] == 'X') &&
-        text.find_first_not_of("0123456789abcdefABCDEF", 2) == std::string::npos) {
-      return static_cast<uint32_t>(std::stoul(text.substr(2), nullptr, 16));
-    }
-    Fail(path, "expected an integer or a hexadecimal text such as \"0x240\"");
-  }
-  return static_cast<uint32_t>(ReadInteger(value, path, 0, std::numeric_limits<uint32_t>::max()));
-}
-
-std::array<float, 3> ReadTriple(const json& value, const std::string& path) {
-  if (!value.is_array() || value.size() != 3) Fail(path, "expected an array of 3 numbers");
-  return {ReadFloat(value[0], Element(path, 0)), ReadFloat(value[1], Element(path, 1)),
-          ReadFloat(value[2], Element(path, 2))};
-}
-
-Color ReadColor(const json& value, const std::string& path) {
-  auto [r, g, b] = ReadTriple(value, path);
-  return {r, g, b};
-}
-
-Point3 ReadPoint3(const json& value, const std::string& path) {
-  auto [x, y, z] = ReadTriple(value, path);
-  return {x, y, z};
-}
-
-Matrix3 ReadMatrix(const json& value, const std::string& path) {
-  if (!value.is_array() || value.size() != 4) Fail(path, "expected an array of 4 rows");
-  Matrix3 matrix;
-  for (size_t row = 0; row < 4; ++row)
-    matrix.rows[row] = ReadPoint3(value[row], Element(path, row));
-  return matrix;
-}
-
-template <class Table>
-auto ReadName(const Table& table, const json& value, const std::string& path,
-              const std::string& what) {
-  std::string text = ReadString(value, path);
-  for (const auto& [name, code] : table) {
-    if (text == name) return code;
-  }
-  Fail(path, "unknown " + what + " \"" + text + "\"");
-}
 
 class Loader {
  public:
@@ -808,113 +655,11 @@ class Loader {
   Declared<MemTexmap> maps_;
 };
 
-// Builds the document as nlohmann's own parser does, and rejects a duplicate key (which
-// nlohmann would silently let the last one win) with its JSON path. The path is only spelt out
-// on failure: building it for every container would cost time in proportion to the depth.
-class StrictDomBuilder {
- public:
-  explicit StrictDomBuilder(json& root) : dom_(root) {}
-
-  bool null() { return CountElement() && dom_.null(); }
-  bool boolean(bool value) { return CountElement() && dom_.boolean(value); }
-  bool number_integer(json::number_integer_t value) {
-    return CountElement() && dom_.number_integer(value);
-  }
-  bool number_unsigned(json::number_unsigned_t value) {
-    return CountElement() && dom_.number_unsigned(value);
-  }
-  bool number_float(json::number_float_t value, const std::string& text) {
-    return CountElement() && dom_.number_float(value, text);
-  }
-  bool string(std::string& value) { return CountElement() && dom_.string(value); }
-  bool binary(json::binary_t& value) { return CountElement() && dom_.binary(value); }
-  bool start_object(size_t size) {
-    CountElement();
-    frames_.push_back({true, {}, {}, 0});
-    return dom_.start_object(size);
-  }
-  bool key(std::string& name) {
-    Frame& object = frames_.back();
-    if (!object.keys.insert(name).second) {
-      object.key = name;
-      Fail(Path(), "duplicate key");
-    }
-    object.key = name;
-    return dom_.key(name);
-  }
-  bool end_object() {
-    frames_.pop_back();
-    return dom_.end_object();
-  }
-  bool start_array(size_t size) {
-    CountElement();
-    frames_.push_back({false, {}, {}, 0});
-    return dom_.start_array(size);
-  }
-  bool end_array() {
-    frames_.pop_back();
-    return dom_.end_array();
-  }
-  bool parse_error(size_t position, const std::string& token, const json::exception& error) {
-    return dom_.parse_error(position, token, error);  // throws the parser's own error
-  }
-
- private:
-  struct Frame {
-    bool isObject;
-    std::set<std::string> keys;
-    std::string key;  // the member being read
-    size_t count;     // elements of an array seen so far
-  };
-
-  bool CountElement() {
-    if (!frames_.empty() && !frames_.back().isObject) ++frames_.back().count;
-    return true;
-  }
-  std::string Path() const {
-    std::string path;
-    for (const Frame& frame : frames_) {
-      path = frame.isObject ? Member(path, frame.key) : Element(path, frame.count - 1);
-    }
-    return path;
-  }
-
-  nlohmann::detail::json_sax_dom_parser<json> dom_;
-  std::vector<Frame> frames_;
-};
-
-json ParseStrictly(std::string_view text) {
-  json root;
-  StrictDomBuilder builder(root);
-  json::sax_parse(text, &builder);
-  return root;
-}
-
-// nlohmann stops at a NUL byte as if the text ended there, which would load a file with garbage
-// after it; such a file is not a scene file.
-void RejectNulBytes(std::string_view text) {
-  size_t nul = text.find('\0');
-  if (nul == std::string_view::npos) return;
-  size_t lineStart = text.rfind('\n', nul);
-  size_t line = 1 + static_cast<size_t>(std::count(text.begin(), text.begin() + nul, '\n'));
-  size_t column = nul - (lineStart == std::string_view::npos ? 0 : lineStart + 1) + 1;
-  Fail({}, "parse error at line " + std::to_string(line) + ", column " + std::to_string(column) +
-               ": a NUL byte, which JSON text cannot contain");
-}
-
-// nlohmann's messages start with an "[json.exception...]" tag that means nothing to a user.
-std::string DescribeJsonError(const json::exception& error) {
-  std::string message = error.what();
-  auto tagEnd = message.find("] ");
-  return tagEnd == std::string::npos ? message : message.substr(tagEnd + 2);
-}
-
 }  // namespace
 
 SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path& folder) {
   SceneLoadResult result;
   try {
-    RejectNulBytes(text);
     json root = ParseStrictly(text);
     result.scene = Loader(root, folder).Load();
   } catch (const json::exception& error) {

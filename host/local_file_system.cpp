@@ -70,8 +70,10 @@ bool LocalFileSystem::CopyFile(std::u16string_view from, std::u16string_view to)
 }
 
 bool LocalFileSystem::DeleteFile(std::u16string_view path) {
+  // Files only, like the kernel's DeleteFileW: a folder of that name stays.
   std::error_code error;
-  return fs::remove(ToLocalPath(path), error);
+  fs::path local = ToLocalPath(path);
+  return !fs::is_directory(fs::symlink_status(local, error)) && fs::remove(local, error);
 }
 
 }  // namespace orvane::host

@@ -40,6 +40,11 @@ int RunTextures(const std::vector<std::string>& args, std::ostream& out, std::os
 // does before its export; the changed scene is written to FILE.
 int RunPrep(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
+// `orvane send SCENE [--exchange DIR] [--token T] [--service URL] [--target 5.1|5.2]
+// [--bake-geometry] [--yes|--no] [--ca-file FILE] [--events FILE] [--save-scene FILE]
+// [--timings]`: "Export && Send" with a console panel. 0 accepted, 1 refused or not sent.
+int RunSend(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
 // `orvane scene generate [--objects N] [--materials M] [--lights L] [--cameras C] [--seed S] -o
 // FILE`
 int RunSceneGenerate(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);

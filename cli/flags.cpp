@@ -6,12 +6,17 @@ namespace orvane::cli {
 
 ParsedFlags ParseFlags(const std::vector<std::string>& args,
                        std::initializer_list<std::string_view> allowed,
-                       std::initializer_list<std::string_view> required) {
+                       std::initializer_list<std::string_view> required,
+                       std::initializer_list<std::string_view> switches) {
   ParsedFlags parsed;
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& arg = args[i];
     if (arg.size() < 2 || arg[0] != '-') {
       parsed.positional.push_back(arg);
+      continue;
+    }
+    if (std::find(switches.begin(), switches.end(), arg) != switches.end()) {
+      parsed.values[arg] = "";
       continue;
     }
     if (std::find(allowed.begin(), allowed.end(), arg) == allowed.end()) {

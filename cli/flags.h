@@ -18,9 +18,11 @@ struct ParsedFlags {
   const std::string& Get(const std::string& flag) const { return values.at(flag); }
 };
 
-// Every flag takes a value; `allowed` lists the flags, `required` those that must be given.
+// `allowed` lists the flags that take a value, `required` those that must be given, `switches`
+// the flags that take none (their value is empty text).
 ParsedFlags ParseFlags(const std::vector<std::string>& args,
                        std::initializer_list<std::string_view> allowed,
-                       std::initializer_list<std::string_view> required);
+                       std::initializer_list<std::string_view> required,
+                       std::initializer_list<std::string_view> switches = {});
 
 }  // namespace orvane::cli

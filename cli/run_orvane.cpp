@@ -23,6 +23,13 @@ constexpr char kUsage[] =
     "  prep SCENE -o FILE    make material names unique and bake MultiTexture maps into vertex\n"
     "                        colours, as the send does; write the changed scene to FILE\n"
     "  writers               print the reference of every parameter writer (Markdown)\n"
+    "  send SCENE [--exchange DIR] [--service URL] [--target 5.1|5.2] [--bake-geometry]\n"
+    "       [--yes|--no] [--token T] [--ca-file FILE] [--events FILE] [--save-scene FILE]\n"
+    "       [--timings]\n"
+    "                        \"Export && Send\" as the panel does it: job folder in the Exchange\n"
+    "                        Folder, package posted to the service. The token comes from\n"
+    "                        ORVANE_TOKEN or the settings file (--token is visible to other "
+    "users)\n"
     "  balance --service URL --token TOKEN [--ca-file FILE]\n"
     "                        show the account's daily conversions, as the panel does\n"
     "  submit --service URL --token TOKEN --job NAME [--target 5.1|5.2] [--ca-file FILE] PACKAGE\n"
@@ -72,6 +79,7 @@ int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostr
     out << FormatWriterReference();
     return kExitOk;
   }
+  if (command == "send") return RunSend(rest, out, err);
   if (command == "balance") return RunBalance(rest, out, err);
   if (command == "submit") return RunSubmit(rest, out, err);
   return UsageError(err, "unknown command \"" + command + "\"");

@@ -100,6 +100,7 @@ void WriteLines(const std::filesystem::path& file, const std::vector<std::u16str
 #ifndef _WIN32
   int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   if (descriptor < 0) return;
+  fchmod(descriptor, 0600);  // a file made by someone else may be wider open; it holds the token
   size_t written = 0;
   while (written < bytes.size()) {
     ssize_t count = write(descriptor, bytes.data() + written, bytes.size() - written);

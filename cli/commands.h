@@ -17,7 +17,8 @@ int RunOrvane(const std::vector<std::string>& args, std::ostream& out, std::ostr
 // Prints "orvane: <message>" and the usage text; answers kExitUsage.
 int UsageError(std::ostream& err, const std::string& message);
 
-// `orvane balance --service URL --token TOKEN [--ca-file FILE]`
+// `orvane balance [--service URL] [--token TOKEN] [--ca-file FILE]`; the token otherwise from
+// ORVANE_TOKEN or the settings file.
 int RunBalance(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
 
 // `orvane submit --service URL --token TOKEN --job NAME [--target 5.1|5.2] [--ca-file FILE]

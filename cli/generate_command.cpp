@@ -3,8 +3,10 @@
 #include <ostream>
 #include <random>
 
+#include "base/wide_text.h"
 #include "cli/commands.h"
 #include "cli/flags.h"
+#include "cli/output_folder.h"
 #include "host/memory/scene_file.h"
 
 namespace orvane::cli {
@@ -195,11 +197,33 @@ int Count(const ParsedFlags& flags, const std::string& flag, int fallback) {
   return std::stoi(flags.Get(flag));
 }
 
+// The generated maps name C:\textures\tex0.jpg to tex499.jpg; with --textures those files are
+// written (64 KB each) into a folder and the scene's file table points at them, so a send of the
+// scene has real textures to copy.
+bool WriteTextures(MemScene& scene, const std::filesystem::path& folder,
+                   const std::filesystem::path& sceneFile, std::ostream& err) {
+  if (!MakeFolder(folder, "the textures", err)) return false;
+  std::filesystem::path sceneFolder = std::filesystem::absolute(sceneFile).parent_path();
+  std::string bytes(64 * 1024, '\0');
+  for (size_t i = 0; i < bytes.size(); ++i)
+    bytes[i] = static_cast<char>(i * 2654435761u >> 13);
+  for (int i = 0; i < 500; ++i) {
+    std::string name = "tex" + std::to_string(i) + ".jpg";
+    std::ofstream(folder / name, std::ios::binary) << bytes;
+    scene.fileAliases.emplace_back(u"C:\\textures\\" + FromUtf8(name),
+                                   (std::filesystem::absolute(folder) / name)
+                                       .lexically_relative(sceneFolder)
+                                       .generic_string());
+  }
+  return true;
+}
+
 }  // namespace
 
 int RunSceneGenerate(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
   ParsedFlags flags = ParseFlags(
-      args, {"--objects", "--materials", "--lights", "--cameras", "--seed", "-o"}, {"-o"});
+      args, {"--objects", "--materials", "--lights", "--cameras", "--seed", "--textures", "-o"},
+      {"-o"});
   if (flags.error.empty() && !flags.positional.empty())
     flags.error = "unexpected " + flags.positional[0];
   int objects = 0, materials = 0, lights = 0, cameras = 0;
@@ -218,6 +242,10 @@ int RunSceneGenerate(const std::vector<std::string>& args, std::ostream& out, st
   }
   if (!flags.error.empty()) return UsageError(err, flags.error);
   std::unique_ptr<MemScene> scene = Generator(seed).Generate(objects, materials, lights, cameras);
+  if (flags.Has("--textures") &&
+      !WriteTextures(*scene, flags.Get("--textures"), flags.Get("-o"), err)) {
+    return kExitFailure;
+  }
   std::ofstream file(flags.Get("-o"), std::ios::binary);
   file << WriteSceneText(*scene);
   file.close();

@@ -30,7 +30,7 @@ constexpr char kUsage[] =
     "                        Folder, package posted to the service. The token comes from\n"
     "                        ORVANE_TOKEN or the settings file (--token is visible to other "
     "users)\n"
-    "  balance --service URL --token TOKEN [--ca-file FILE]\n"
+    "  balance [--service URL] [--token TOKEN] [--ca-file FILE]\n"
     "                        show the account's daily conversions, as the panel does\n"
     "  submit --service URL --token TOKEN --job NAME [--target 5.1|5.2] [--ca-file FILE] PACKAGE\n"
     "                        post a scene package as a job and show the reply\n"

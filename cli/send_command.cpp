@@ -14,6 +14,7 @@
 #include "cli/console_panel.h"
 #include "cli/flags.h"
 #include "cli/output_folder.h"
+#include "cli/user_settings.h"
 #include "host/environment.h"
 #include "host/memory/scene_file.h"
 #include "pipeline/ini_settings.h"
@@ -28,15 +29,6 @@ namespace orvane::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-// The per-user settings file: the XDG configuration folder off Windows.
-fs::path UserSettingsFile() {
-  if (const char* config = std::getenv("XDG_CONFIG_HOME"); config != nullptr && *config != '\0') {
-    return fs::path(config) / "orvane" / ToUtf8(kSettingsFileName);
-  }
-  const char* home = std::getenv("HOME");
-  return fs::path(home != nullptr ? home : ".") / ".config" / "orvane" / ToUtf8(kSettingsFileName);
-}
 
 // Which script a run was, for the event trace.
 std::string ScriptName(std::u16string_view script) {

@@ -3,7 +3,10 @@
 #include "base/wide_text.h"
 #include "cli/commands.h"
 #include "cli/flags.h"
+#include "cli/user_settings.h"
+#include "host/environment.h"
 #include "host/local_file_system.h"
+#include "pipeline/ini_settings.h"
 #include "service/account_status.h"
 #include "service/curl_http_client.h"
 #include "service/job_submission.h"
@@ -24,15 +27,24 @@ CurlHttpClient MakeClient(const ParsedFlags& flags) {
 }  // namespace
 
 int RunBalance(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
-  ParsedFlags flags =
-      ParseFlags(args, {"--service", "--token", "--ca-file"}, {"--service", "--token"});
+  ParsedFlags flags = ParseFlags(args, {"--service", "--token", "--ca-file"}, {});
   if (flags.error.empty() && !flags.positional.empty())
     flags.error = "unexpected " + flags.positional[0];
   if (!flags.error.empty()) return UsageError(err, flags.error);
 
+  // As for a send: the command line, then ORVANE_TOKEN, then the token the settings file keeps.
+  std::u16string token;
+  if (flags.Has("--token")) {
+    token = FromUtf8(flags.Get("--token"));
+  } else if (auto fromEnvironment = host::ReadProcessEnvironment(u"ORVANE_TOKEN")) {
+    token = *fromEnvironment;
+  } else {
+    token = IniSettingsStore(UserSettingsFile()).Read(u"apiToken");
+  }
+  std::u16string service =
+      flags.Has("--service") ? FromUtf8(flags.Get("--service")) : std::u16string(kServiceBaseUrl);
   CurlHttpClient client = MakeClient(flags);
-  AccountStatus status = QueryAccountStatus(client, FromUtf8(flags.Get("--service")),
-                                            TrimWhitespace(FromUtf8(flags.Get("--token"))));
+  AccountStatus status = QueryAccountStatus(client, service, TrimWhitespace(token));
   if (status.ok) {
     out << Utf8(BalanceText(status)) << "\n";
     return kExitOk;

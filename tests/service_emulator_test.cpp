@@ -296,6 +296,23 @@ TEST_F(ServiceOverSockets, TheCommandsShowWhatThePanelWould) {
             cli::kExitUsage);
 }
 
+// A token kept out of the process list: from the environment, else from the settings file.
+TEST_F(ServiceOverSockets, BalanceTakesTheTokenFromTheEnvironmentOrTheSettingsFile) {
+  std::string service = emulator_->BaseUrl();
+  setenv("XDG_CONFIG_HOME", data_.c_str(), 1);
+  fs::create_directories(data_ / "orvane");
+  std::ofstream(data_ / "orvane" / "Quillbar.ini") << "[Settings]\r\napiToken=limit\r\n";
+  setenv("ORVANE_TOKEN", "good", 1);
+  std::ostringstream out, err;
+  EXPECT_EQ(cli::RunOrvane({"balance", "--service", service}, out, err), cli::kExitOk);
+  EXPECT_EQ(out.str(), "7 of 10 conversions left today\n");
+  unsetenv("ORVANE_TOKEN");
+  std::ostringstream out2, err2;
+  EXPECT_EQ(cli::RunOrvane({"balance", "--service", service}, out2, err2), cli::kExitOk);
+  EXPECT_EQ(out2.str(), "Daily limit reached (3/day)\n");
+  unsetenv("XDG_CONFIG_HOME");
+}
+
 // A package path that names no readable file is refused before any connection, and reading it
 // never blocks (a pipe) or runs away (a device).
 TEST_F(ServiceOverSockets, SubmitRefusesWhatIsNotAFile) {

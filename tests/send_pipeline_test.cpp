@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
 #include "host/memory/scene_file.h"
+#include "pipeline/scene_scripts.h"
 #include "pipeline/send_pipeline.h"
 #include "tests/recording_panel.h"
 
@@ -140,6 +143,44 @@ class SendPipeline : public ::testing::Test {
     return static_cast<host::Mtl*>(scene_->FindById(id))->GetName();
   }
 
+  // The whole run as the panel saw it, then the scripts run and what the job folder holds,
+  // against a reviewed file in tests/data/golden/traces (ORVANE_UPDATE_GOLDEN=1 rewrites it).
+  void ExpectTrace(const std::string& name) {
+    std::string trace;
+    for (const std::string& event : panel_.events)
+      trace += event + "\n";
+    trace += "scripts:";
+    for (const auto& run : scene_->scriptsRun) {
+      trace += run.script == kSplineCopiesScript    ? " copies"
+               : run.script == kSplineRestoreScript ? " restore"
+               : run.script == kGeometryBakeScript  ? " bake"
+               : run.script == kVRayConvertScript   ? " vray"
+                                                    : " probe";
+    }
+    trace += "\njob folder:";
+    std::vector<std::string> kept;
+    if (fs::is_directory(JobFolder())) {
+      for (const auto& entry : fs::recursive_directory_iterator(JobFolder()))
+        kept.push_back(entry.path().lexically_relative(JobFolder()).generic_string());
+    }
+    std::sort(kept.begin(), kept.end());
+    for (const std::string& entry : kept)
+      trace += " " + entry;
+    trace += "\n";
+    for (size_t at; (at = trace.find(exchange_.string())) != std::string::npos;)
+      trace.replace(at, exchange_.string().size(), "<exchange>");
+    std::string file = name;
+    for (char& c : file)
+      c = c == ' ' ? '-' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    fs::path golden = fs::path(ORVANE_TEST_DATA) / "golden" / "traces" / (file + ".trace");
+    if (std::getenv("ORVANE_UPDATE_GOLDEN") != nullptr)
+      std::ofstream(golden, std::ios::binary) << trace;
+    std::ifstream in(golden, std::ios::binary);
+    ASSERT_TRUE(in) << golden << " (run with ORVANE_UPDATE_GOLDEN=1)";
+    std::string expected((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(trace, expected) << golden;
+  }
+
   fs::path exchange_;
   std::unique_ptr<MemScene> scene_;
   testing::RecordingPanel panel_;
@@ -151,6 +192,7 @@ class SendPipeline : public ::testing::Test {
 
 TEST_F(SendPipeline, AnAcceptedJobShowsEveryStepAndLeavesTheSceneAsItWas) {
   Send();
+  ExpectTrace("accepted");
   EXPECT_EQ(
       Statuses(),
       (std::vector<std::string>{
@@ -187,7 +229,7 @@ TEST_F(SendPipeline, AnAcceptedJobShowsEveryStepAndLeavesTheSceneAsItWas) {
 
 TEST_F(SendPipeline, RefusalsBeforeTheSendStartsChangeNothing) {
   const struct {
-    const char* label;
+    const char* label;  // also the trace's file name
     std::u16string token, folder;
     HttpExchange balance;
     std::string box;
@@ -231,6 +273,7 @@ TEST_F(SendPipeline, RefusalsBeforeTheSendStartsChangeNothing) {
     EXPECT_EQ(Boxes(), std::vector<std::string>{c.box}) << c.label;
     EXPECT_TRUE(panel_.Only({"enable", "progress"}).empty()) << c.label;
     EXPECT_TRUE(scene_->scriptsRun.empty()) << c.label;
+    ExpectTrace(c.label);
   }
 }
 
@@ -238,6 +281,7 @@ TEST_F(SendPipeline, DecliningTheBakeStopsButStillRemovesTheSplineTwins) {
   panel_.checked[control::kBakeGeometry] = true;
   panel_.answers = {MessageAnswer::kNo};
   Send();
+  ExpectTrace("bake declined");
   std::vector<std::string> boxes = Boxes();
   ASSERT_EQ(boxes.size(), 1u);
   EXPECT_TRUE(
@@ -254,6 +298,7 @@ TEST_F(SendPipeline, AcceptingTheBakeRunsItWithErrorsShown) {
   panel_.checked[control::kBakeGeometry] = true;
   panel_.answers = {MessageAnswer::kYes};
   Send();
+  ExpectTrace("bake accepted");
   bool baked = false;
   for (const auto& run : scene_->scriptsRun) {
     if (run.script.find(u"resetXForm") != std::u16string::npos)
@@ -285,6 +330,15 @@ TEST_F(SendPipeline, EachFailureAfterTheStartIsShownAndUndone) {
        "Error."},
       {"package not writable", std::nullopt, u"", ExportBehaviour::kWrites, true,
        "box [Orvane Platform - Error] Package export returned failure. (error) -> ok", "Error."},
+      {"FBX claimed but not written", std::nullopt, u"", ExportBehaviour::kWritesNothing, false,
+       "box [Orvane Platform - Error] FBX was not created:\n<exchange>/my_scene.v2_" +
+           ToUtf8(TickCode(kTicks)) +
+           "/my_scene.v2.fbx\n\nPossible reasons:\n\u2022 Exchange Folder is not accessible from "
+           "Windows\n\u2022 No write permissions\n\u2022 FBX export settings prohibit export "
+           "(error) -> ok",
+       "Error."},
+      {"V-Ray converted", u"1", u"CONVERTED:3", ExportBehaviour::kWrites, false, "",
+       "Done  OK  Objects: 2"},
   };
   for (const auto& c : cases) {
     SetUp();
@@ -294,7 +348,13 @@ TEST_F(SendPipeline, EachFailureAfterTheStartIsShownAndUndone) {
     scene_->exportBehaviour = c.exportBehaviour;
     if (c.blockPackage) fs::create_directories(JobFolder() / "1.json");
     Send();
-    EXPECT_EQ(Boxes(), c.box.empty() ? std::vector<std::string>{} : std::vector<std::string>{c.box})
+    ExpectTrace(c.label);
+    std::vector<std::string> boxes = Boxes();
+    for (std::string& box : boxes) {
+      for (size_t at; (at = box.find(exchange_.string())) != std::string::npos;)
+        box.replace(at, exchange_.string().size(), "<exchange>");
+    }
+    EXPECT_EQ(boxes, c.box.empty() ? std::vector<std::string>{} : std::vector<std::string>{c.box})
         << c.label;
     EXPECT_EQ(ToUtf8(panel_.texts[control::kStatusLine1]), c.status) << c.label;
     EXPECT_TRUE(panel_.enabled[control::kSend]) << c.label;
@@ -306,19 +366,23 @@ TEST_F(SendPipeline, EachFailureAfterTheStartIsShownAndUndone) {
 
 TEST_F(SendPipeline, TheServiceRefusalsHaveTheirOwnBoxes) {
   const struct {
+    const char* label;
     HttpExchange job;
     std::string status, box;
   } cases[] = {
-      {{Outcome::kReplied, 402, R"({"error":"insufficient balance"})", 0},
+      {"insufficient balance",
+       {Outcome::kReplied, 402, R"({"error":"insufficient balance"})", 0},
        "Insufficient balance.",
        "box [Orvane Platform - Balance] Insufficient credits.\nTop up your balance at "
        "https://example/dashboard (none) -> ok"},
-      {{Outcome::kReplied, 500, R"({"error":"db down"})", 0},
+      {"refused with a response",
+       {Outcome::kReplied, 500, R"({"error":"db down"})", 0},
        "Send failed (HTTP 500).",
        "box [Orvane Platform - Send Failed] The job was NOT accepted by the server (HTTP 500).\n\n"
        "{\"error\":\"db down\"}\n\nNothing was submitted - check your connection/token and try "
        "again. (error) -> ok"},
-      {{Outcome::kSendFailed, 0, "", 28},
+      {"refused with none",
+       {Outcome::kSendFailed, 0, "", 28},
        "Send failed (no response).",
        "box [Orvane Platform - Send Failed] The job was NOT accepted by the server (no "
        "response).\n\n"
@@ -329,11 +393,25 @@ TEST_F(SendPipeline, TheServiceRefusalsHaveTheirOwnBoxes) {
     SetUp();
     service_.job = c.job;
     Send();
+    ExpectTrace(c.label);
     EXPECT_EQ(ToUtf8(panel_.texts[control::kStatusLine1]), c.status);
     EXPECT_EQ(Boxes(), std::vector<std::string>{c.box});
     EXPECT_TRUE(panel_.enabled[control::kSend]);
     EXPECT_FALSE(fs::exists(JobFolder() / "1.json"));
   }
+}
+
+// Only existence is tested: a folder text naming a file passes, and the job folder cannot be
+// made, so the export is what fails.
+TEST_F(SendPipeline, AFolderTextNamingAFilePassesTheCheckAndFailsLater) {
+  std::ofstream(exchange_ / "plain.txt") << "not a folder";
+  exchange_ /= "plain.txt";
+  panel_.texts[control::kExchangeFolder] = exchange_.u16string();
+  Send();
+  ExpectTrace("folder text naming a file");
+  EXPECT_EQ(panel_.texts[control::kStatusLine1], u"Error.");
+  EXPECT_EQ(MaterialName("brick"), u"Brick Wall");
+  exchange_ = exchange_.parent_path();
 }
 
 // An exception from any step unwinds through the guards: names restored, twins removed, no

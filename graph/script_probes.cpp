@@ -4,8 +4,8 @@
 #include <charconv>
 #include <cmath>
 
-#include "graph/param_json.h"
 #include "base/wide_text.h"
+#include "graph/param_json.h"
 
 namespace orvane {
 
@@ -65,11 +65,23 @@ std::u16string SearchFunctions(const ProbeSearch& search) {
 }
 
 // Runs a probe script; nullopt unless the host answers a non-empty string that is no error.
-std::optional<std::u16string> RunProbe(const WriteContext& context, const std::u16string& script) {
+std::optional<std::u16string> RunProbeScript(const WriteContext& context,
+                                             const std::u16string& script) {
   host::ScriptResult result = context.scene.ExecuteMAXScriptScript(script, true, true);
   if (!result.succeeded || !result.stringValue || result.stringValue->empty()) return std::nullopt;
   if (result.stringValue->rfind(u"ERROR:", 0) == 0) return std::nullopt;
   return result.stringValue;
+}
+
+// Runs a probe script, or answers what it answered earlier in this build.
+std::optional<std::u16string> RunProbe(const WriteContext& context, const std::u16string& script) {
+  if (context.probes == nullptr) return RunProbeScript(context, script);
+  auto cached = context.probes->byScript.find(script);
+  if (cached != context.probes->byScript.end()) return cached->second;
+  ++context.probes->runs;
+  std::optional<std::u16string> reply = RunProbeScript(context, script);
+  context.probes->byScript.emplace(script, reply);
+  return reply;
 }
 
 std::optional<std::u16string> RunQuery(const WriteContext& context, const host::MtlBase& map,

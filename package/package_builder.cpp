@@ -5,8 +5,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "graph/json_text.h"
 #include "base/wide_text.h"
+#include "graph/json_text.h"
 #include "host/object.h"
 #include "host/scene_walk.h"
 #include "lights/lights.h"
@@ -155,9 +155,12 @@ std::u16string LogPathFor(std::u16string_view documentPath) {
   return std::u16string(documentPath.substr(0, dot)) + u".log";
 }
 
-BuildResult BuildPackage(const WriteContext& context, host::FileSystem& files, NodeTreeState& state,
+BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, NodeTreeState& state,
                          std::u16string_view documentPath) {
   NumericLocaleGuard numbers;
+  ProbeReplies probes;
+  WriteContext context{caller.scene, caller.time,
+                       caller.probes != nullptr ? caller.probes : &probes};
   Log log;
   std::vector<host::INode*> geometry = GeometryWithMaterials(context);
   log.push_back(u"Geometry objects with materials: " +

@@ -148,3 +148,49 @@ TEST(IesFiles, TextThatIsNotUtf8IsReadAsTheAnsiCodePage) {
 
 }  // namespace
 }  // namespace orvane
+
+namespace orvane {
+namespace {
+
+// 100 objects whose materials share 10 maps: each map's probe runs once per build, however many
+// trees write it; a second build asks again (the scene may have changed in between).
+TEST(PackageBuilder, EachMapIsProbedOncePerBuild) {
+  std::string nodes, materials, maps;
+  for (int i = 0; i < 100; ++i) {
+    std::string n = std::to_string(i);
+    nodes += std::string(i ? "," : "") + R"({"id": "n)" + n + R"(", "name": "Box)" + n +
+             R"(", "object": "o", "material": "m)" + n + R"("})";
+    materials +=
+        std::string(i ? "," : "") + R"({"id": "m)" + n + R"(", "class": "VRayMtl", "name": "M)" +
+        n + R"(", "slots": [{"name": "diffuse", "map": "t)" + std::to_string(i % 10) + R"("}]})";
+  }
+  for (int i = 0; i < 10; ++i) {
+    maps += std::string(i ? "," : "") + R"({"id": "t)" + std::to_string(i) +
+            R"(", "class": "Noise", "name": "noise )" + std::to_string(i) + R"("})";
+  }
+  auto loaded =
+      host::memory::LoadSceneText(R"({"format": "orvane-scene/1", "nodes": [)" + nodes + R"(],
+      "objects": [{"id": "o", "class": "Box", "superClass": "geometry"}],
+      "materials": [)" + materials + R"(], "maps": [)" +
+                                      maps + "]}",
+                                  ".");
+  ASSERT_TRUE(loaded.scene) << loaded.error;
+  auto& scene = *loaded.scene;
+  TempFolder folder;
+  auto probesRun = [&] {
+    size_t count = 0;
+    for (const auto& run : scene.scriptsRun)
+      count += run.script.find(u"o = mp.output") != std::u16string::npos;
+    return count;
+  };
+  NodeTreeState state;
+  for (int build = 1; build <= 2; ++build) {
+    BuildResult result = BuildPackage(WriteContext{scene, 0}, scene.files, state,
+                                      (folder.path / "1.json").u16string());
+    ASSERT_TRUE(result.success);
+    EXPECT_EQ(probesRun(), 10u * static_cast<size_t>(build));
+  }
+}
+
+}  // namespace
+}  // namespace orvane

@@ -1,6 +1,5 @@
 #include "prep/material_names.h"
 
-#include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <set>
+#include <map>
 #include <unordered_map>
 
 #include "base/wide_text.h"

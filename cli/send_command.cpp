@@ -16,6 +16,7 @@
 #include "cli/output_folder.h"
 #include "cli/user_settings.h"
 #include "host/environment.h"
+#include "host/forwarding_file_system.h"
 #include "host/memory/scene_file.h"
 #include "pipeline/ini_settings.h"
 #include "pipeline/panel_logic.h"
@@ -40,28 +41,17 @@ std::string ScriptName(std::u16string_view script) {
 }
 
 // Deletions reach the event trace; everything else passes through.
-class TracedFileSystem final : public host::FileSystem {
+class TracedFileSystem final : public host::ForwardingFileSystem {
  public:
-  TracedFileSystem(host::FileSystem& inner, ConsolePanel*& panel) : inner_(inner), panel_(panel) {}
-  bool Exists(std::u16string_view p) const override { return inner_.Exists(p); }
-  std::optional<std::string> ReadBytes(std::u16string_view p, uint64_t max) const override {
-    return inner_.ReadBytes(p, max);
-  }
-  bool WriteBytes(std::u16string_view p, std::string_view b) override {
-    return inner_.WriteBytes(p, b);
-  }
-  bool CreateDirectory(std::u16string_view p) override { return inner_.CreateDirectory(p); }
-  bool CopyFile(std::u16string_view a, std::u16string_view b) override {
-    return inner_.CopyFile(a, b);
-  }
-  bool DeleteFile(std::u16string_view p) override {
-    bool deleted = inner_.DeleteFile(p);
-    if (deleted && panel_ != nullptr) panel_->Note("deleted", ToUtf8(p));
+  TracedFileSystem(host::FileSystem& inner, ConsolePanel*& panel)
+      : ForwardingFileSystem(inner), panel_(panel) {}
+  bool DeleteFile(std::u16string_view path) override {
+    bool deleted = inner_.DeleteFile(path);
+    if (deleted && panel_ != nullptr) panel_->Note("deleted", ToUtf8(path));
     return deleted;
   }
 
  private:
-  host::FileSystem& inner_;
   ConsolePanel*& panel_;
 };
 

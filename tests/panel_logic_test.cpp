@@ -8,6 +8,7 @@
 
 #include "emulator/service_emulator.h"
 #include "host/file_read.h"
+#include "host/forwarding_file_system.h"
 #include "host/memory/scene_file.h"
 #include "pipeline/ini_settings.h"
 #include "pipeline/panel_logic.h"
@@ -175,24 +176,12 @@ TEST(SendEndToEnd, TheStoredJobIsThePackageAndTheSceneComesBack) {
     namesBefore.push_back(material->name);
 
   // Keeps the package's bytes as they were when the send deleted them.
-  struct KeepingFiles final : host::FileSystem {
-    host::FileSystem& inner;
+  struct KeepingFiles final : host::ForwardingFileSystem {
+    using ForwardingFileSystem::ForwardingFileSystem;
     std::string package;
-    explicit KeepingFiles(host::FileSystem& files) : inner(files) {}
-    bool Exists(std::u16string_view p) const override { return inner.Exists(p); }
-    std::optional<std::string> ReadBytes(std::u16string_view p, uint64_t m) const override {
-      return inner.ReadBytes(p, m);
-    }
-    bool WriteBytes(std::u16string_view p, std::string_view b) override {
-      return inner.WriteBytes(p, b);
-    }
-    bool CreateDirectory(std::u16string_view p) override { return inner.CreateDirectory(p); }
-    bool CopyFile(std::u16string_view a, std::u16string_view b) override {
-      return inner.CopyFile(a, b);
-    }
     bool DeleteFile(std::u16string_view p) override {
-      if (p.ends_with(u"1.json")) package = inner.ReadBytes(p, 1 << 26).value_or("");
-      return inner.DeleteFile(p);
+      if (p.ends_with(u"1.json")) package = inner_.ReadBytes(p, 1 << 26).value_or("");
+      return inner_.DeleteFile(p);
     }
   } files(scene.files);
 

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "host/forwarding_file_system.h"
 #include "host/memory/scene_file.h"
 #include "pipeline/scene_scripts.h"
 #include "pipeline/send_pipeline.h"
@@ -50,10 +51,10 @@ class ScriptedService final : public HttpClient {
 };
 
 // A file system that throws on its Nth call, to show that every way out restores the scene.
-class FailingFileSystem final : public host::FileSystem {
+class FailingFileSystem final : public host::ForwardingFileSystem {
  public:
-  FailingFileSystem(host::FileSystem& inner, int failAt) : inner_(inner), failAt_(failAt) {}
-  int calls = 0;
+  FailingFileSystem(host::FileSystem& inner, int failAt)
+      : ForwardingFileSystem(inner), failAt_(failAt) {}
   bool Exists(std::u16string_view p) const override {
     Tick();
     return inner_.Exists(p);
@@ -74,14 +75,13 @@ class FailingFileSystem final : public host::FileSystem {
     Tick();
     return inner_.CopyFile(a, b);
   }
-  // Deleting never throws: it runs in the guards themselves.
-  bool DeleteFile(std::u16string_view p) override { return inner_.DeleteFile(p); }
+  // Deleting is not counted: it runs in the guards themselves.
 
  private:
   void Tick() const {
-    if (++const_cast<FailingFileSystem*>(this)->calls == failAt_) throw std::runtime_error("disk");
+    if (++calls_ == failAt_) throw std::runtime_error("disk");
   }
-  host::FileSystem& inner_;
+  mutable int calls_ = 0;
   int failAt_;
 };
 

@@ -1,0 +1,28 @@
+// A file system that passes every call on to another, for wrappers that watch or change a few.
+#pragma once
+
+#include "host/file_system.h"
+
+namespace orvane::host {
+
+class ForwardingFileSystem : public FileSystem {
+ public:
+  explicit ForwardingFileSystem(FileSystem& inner) : inner_(inner) {}
+  bool Exists(std::u16string_view path) const override { return inner_.Exists(path); }
+  std::optional<std::string> ReadBytes(std::u16string_view path, uint64_t maxBytes) const override {
+    return inner_.ReadBytes(path, maxBytes);
+  }
+  bool WriteBytes(std::u16string_view path, std::string_view bytes) override {
+    return inner_.WriteBytes(path, bytes);
+  }
+  bool CreateDirectory(std::u16string_view path) override { return inner_.CreateDirectory(path); }
+  bool CopyFile(std::u16string_view from, std::u16string_view to) override {
+    return inner_.CopyFile(from, to);
+  }
+  bool DeleteFile(std::u16string_view path) override { return inner_.DeleteFile(path); }
+
+ protected:
+  FileSystem& inner_;
+};
+
+}  // namespace orvane::host

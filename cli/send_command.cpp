@@ -116,7 +116,7 @@ int RunSend(const std::vector<std::string>& args, std::ostream& out, std::ostrea
     }
   }
   ConsolePanel* tracing = nullptr;
-  size_t scriptsSeen = 0;
+  uint64_t scriptsSeen = 0;
   ConsolePanel::Options options;
   options.terminal = &out == &std::cout && isatty(STDOUT_FILENO);
   if (flags.Has("--yes")) options.answer = MessageAnswer::kYes;
@@ -124,8 +124,12 @@ int RunSend(const std::vector<std::string>& args, std::ostream& out, std::ostrea
   if (isatty(STDIN_FILENO)) options.in = &std::cin;
   options.events = eventsFile.is_open() ? &eventsFile : nullptr;
   options.beforeEvent = [&] {
-    for (; scriptsSeen < scene.scriptsRun.size(); ++scriptsSeen) {
-      tracing->Note("script", ScriptName(scene.scriptsRun[scriptsSeen].script));
+    // The scene keeps only its latest runs; those older than what it keeps are counted, unnamed.
+    for (; scriptsSeen < scene.scriptRunCount; ++scriptsSeen) {
+      uint64_t fromEnd = scene.scriptRunCount - scriptsSeen;
+      size_t kept = scene.scriptsRun.size();
+      tracing->Note("script", fromEnd <= kept ? ScriptName(scene.scriptsRun[kept - fromEnd].script)
+                                              : std::string("(not kept)"));
     }
   };
   ConsolePanel panel(out, options);

@@ -195,5 +195,16 @@ TEST(MemoryScene, HandlesAreUniqueAndFoundAgain) {
   EXPECT_EQ(handles.size(), scene->nodes().size() + scene->materials().size());
 }
 
+TEST(MemoryScene, KeepsTheLatestScriptRunsAndCountsThemAll) {
+  MemScene scene;
+  const size_t total = MemScene::kKeptScriptRuns + 5;
+  for (size_t i = 0; i < total; ++i)
+    scene.ExecuteMAXScriptScript(u"run " + AsciiToWide(std::to_string(i)), true, true);
+  EXPECT_EQ(scene.scriptRunCount, total);
+  ASSERT_EQ(scene.scriptsRun.size(), MemScene::kKeptScriptRuns);
+  EXPECT_EQ(scene.scriptsRun.front().script, u"run 5");
+  EXPECT_EQ(scene.scriptsRun.back().script, u"run " + AsciiToWide(std::to_string(total - 1)));
+}
+
 }  // namespace
 }  // namespace orvane::host::memory

@@ -192,9 +192,7 @@ std::u16string MemScene::GetDir(DirectoryCode which) const {
 bool MemScene::ExportToFile(std::u16string_view path, bool) {
   bool succeeded = false;
   switch (exportBehaviour) {
-    case ExportBehaviour::kWrites:
-      succeeded = files.WriteBytes(path, WriteFbx(*this));
-      break;
+    case ExportBehaviour::kWrites: succeeded = files.WriteBytes(path, WriteFbx(*this)); break;
     case ExportBehaviour::kFails: break;
     case ExportBehaviour::kWritesNothing: succeeded = true; break;
   }
@@ -205,6 +203,8 @@ bool MemScene::ExportToFile(std::u16string_view path, bool) {
 ScriptResult MemScene::ExecuteMAXScriptScript(std::u16string_view script, bool quietErrors,
                                               bool wantResult) {
   scriptsRun.push_back({std::u16string(script), quietErrors, wantResult});
+  ++scriptRunCount;
+  if (scriptsRun.size() > kKeptScriptRuns) scriptsRun.pop_front();
   for (const ScriptRule& rule : scriptRules) {
     bool matches = std::all_of(
         rule.contains.begin(), rule.contains.end(),

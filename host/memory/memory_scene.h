@@ -3,6 +3,7 @@
 // the core against it. It also records what the core changed, so tests can check that.
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -398,7 +399,11 @@ class MemScene final : public Interface, public IFileResolutionManager {
   // --- What the core did ---
   std::vector<Rename> renames;
   std::vector<ObjectReplacement> objectReplacements;
-  std::vector<ScriptRun> scriptsRun;
+  // The latest script runs (at most kKeptScriptRuns) and how many ran in all: a large scene runs
+  // hundreds of thousands of probes, and keeping every text would cost more than the package.
+  static constexpr size_t kKeptScriptRuns = 10'000;
+  std::deque<ScriptRun> scriptsRun;
+  uint64_t scriptRunCount = 0;
   std::vector<ExportCall> exports;
   std::vector<LogEntry> log;
 

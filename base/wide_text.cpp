@@ -222,6 +222,14 @@ std::u16string TrimWhitespace(std::u16string_view text) {
   return std::u16string(text.substr(first, last - first + 1));
 }
 
+std::u16string LowerAscii(std::u16string_view text) {
+  std::u16string lowered(text);
+  for (char16_t& c : lowered) {
+    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + (u'a' - u'A'));
+  }
+  return lowered;
+}
+
 std::u16string AsciiToWide(std::string_view ascii) {
   return std::u16string(ascii.begin(), ascii.end());
 }

@@ -2,6 +2,7 @@
 // network boundaries.
 #pragma once
 
+#include <concepts>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,7 +23,16 @@ std::u16string FromAnsiCodePage(std::string_view bytes);
 // Removes leading and trailing blanks, tabs, carriage returns and line feeds.
 std::u16string TrimWhitespace(std::u16string_view text);
 
+// ASCII letters lower-cased, nothing else: the result does not depend on the process locale.
+std::u16string LowerAscii(std::u16string_view text);
+
 // For texts that are known to be ASCII (keys, numbers, fixed messages built at run time).
 std::u16string AsciiToWide(std::string_view ascii);
+
+// Plain decimal, as numbers stand in the system's texts.
+template <std::integral Number>
+std::u16string Decimal(Number value) {
+  return AsciiToWide(std::to_string(value));
+}
 
 }  // namespace orvane

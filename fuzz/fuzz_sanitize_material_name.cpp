@@ -14,8 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::u16string safe = orvane::SanitizeMaterialName(name);
   if (safe.size() > 56) std::abort();
   for (char16_t c : safe) {
-    bool kept = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') ||
-                (c >= u'0' && c <= u'9') || c == u'-' || c == u'_';
+    bool kept = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') ||
+                c == u'-' || c == u'_';
     if (!kept) std::abort();
   }
   if (safe.find(u"__") != std::u16string::npos) std::abort();

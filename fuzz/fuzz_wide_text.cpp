@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "graph/json_text.h"
 #include "base/wide_text.h"
+#include "graph/json_text.h"
 
 namespace {
 

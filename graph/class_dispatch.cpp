@@ -163,14 +163,6 @@ bool Matches(const DispatchRow& row, std::u16string_view lowered) {
 
 }  // namespace
 
-std::u16string LowerAscii(std::u16string_view text) {
-  std::u16string lowered(text);
-  for (char16_t& c : lowered) {
-    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + (u'a' - u'A'));
-  }
-  return lowered;
-}
-
 std::u16string_view StripLeadingNonAlnum(std::u16string_view className) {
   size_t start = 0;
   while (start < className.size() && !IsAsciiAlnum(className[start]))

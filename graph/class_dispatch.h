@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/wide_text.h"
 #include "graph/param_rows.h"
 
 namespace orvane {
@@ -28,8 +29,5 @@ std::string FormatWriterReference();
 
 // The class name without the characters before its first ASCII letter or digit.
 std::u16string_view StripLeadingNonAlnum(std::u16string_view className);
-
-// Lower-cases ASCII letters only, so matching does not depend on the process locale.
-std::u16string LowerAscii(std::u16string_view text);
 
 }  // namespace orvane

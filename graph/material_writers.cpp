@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "graph/param_json.h"
 #include "base/wide_text.h"
+#include "graph/param_json.h"
 
 namespace orvane {
 

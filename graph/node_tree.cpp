@@ -3,21 +3,17 @@
 #include <limits>
 #include <set>
 
+#include "base/wide_text.h"
 #include "graph/class_dispatch.h"
 #include "graph/param_lookup.h"
 #include "graph/script_probes.h"
 #include "graph/slot_switch.h"
-#include "base/wide_text.h"
 
 namespace orvane {
 
 namespace {
 
 constexpr uint32_t kNoId = std::numeric_limits<uint32_t>::max();
-
-std::u16string Decimal(uint64_t value) {
-  return AsciiToWide(std::to_string(value));
-}
 
 bool IsMaterial(const host::Animatable& object) {
   return object.SuperClassID() == host::MATERIAL_CLASS_ID;

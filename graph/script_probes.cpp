@@ -15,10 +15,6 @@ constexpr ProbeSearch kOutputSearch{u"OV_findTexmapByNameOut", u"OV_findMapForOu
 constexpr ProbeSearch kGradientSearch{u"OV_findTexmapByName", u"OV_findGradientRamp", true};
 constexpr ProbeSearch kPropertySearch{u"OV_findTexByNameP", u"OV_findMapP", false};
 
-std::u16string Decimal(uint64_t value) {
-  return AsciiToWide(std::to_string(value));
-}
-
 // Only the double quote and the backslash are escaped in a script string.
 std::u16string ScriptString(std::u16string_view text) {
   std::u16string out = u"\"";

@@ -2,18 +2,14 @@
 
 #include <algorithm>
 
+#include "base/wide_text.h"
 #include "graph/param_json.h"
 #include "graph/script_probes.h"
 #include "graph/slot_switch.h"
-#include "base/wide_text.h"
 
 namespace orvane {
 
 namespace {
-
-std::u16string Decimal(int64_t value) {
-  return AsciiToWide(std::to_string(value));
-}
 
 ParamValue Element(const RowRun& run, std::u16string_view table, int index) {
   return FindParamTabValue(&run.object, table, index, run.context.time);

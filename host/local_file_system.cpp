@@ -10,24 +10,12 @@ namespace orvane::host {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-std::u16string FoldAsciiCase(std::u16string_view text) {
-  std::u16string folded(text);
-  for (char16_t& c : folded) {
-    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + (u'a' - u'A'));
-  }
-  return folded;
-}
-
-}  // namespace
-
 void LocalFileSystem::AddAlias(std::u16string_view hostPath, fs::path localPath) {
-  aliases_[FoldAsciiCase(hostPath)] = std::move(localPath);
+  aliases_[LowerAscii(hostPath)] = std::move(localPath);
 }
 
 fs::path LocalFileSystem::ToLocalPath(std::u16string_view hostPath) const {
-  auto alias = aliases_.find(FoldAsciiCase(hostPath));
+  auto alias = aliases_.find(LowerAscii(hostPath));
   if (alias != aliases_.end()) return alias->second;
 #ifdef _WIN32
   return fs::path(std::u16string(hostPath));

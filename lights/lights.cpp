@@ -2,8 +2,8 @@
 
 #include <unordered_map>
 
-#include "graph/param_lookup.h"
 #include "base/wide_text.h"
+#include "graph/param_lookup.h"
 #include "host/object.h"
 #include "host/scene_walk.h"
 
@@ -12,10 +12,6 @@ namespace orvane {
 namespace {
 
 constexpr uint64_t kMaxIesBytes = 1 << 20;
-
-std::u16string Decimal(int64_t value) {
-  return AsciiToWide(std::to_string(value));
-}
 
 std::u16string_view LightLabel(LightKind kind) {
   switch (kind) {

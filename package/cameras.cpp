@@ -2,9 +2,9 @@
 
 #include <cmath>
 
+#include "base/wide_text.h"
 #include "graph/json_text.h"
 #include "graph/param_json.h"
-#include "base/wide_text.h"
 #include "host/node.h"
 #include "host/object.h"
 #include "host/scene_walk.h"

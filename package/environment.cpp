@@ -2,8 +2,8 @@
 
 #include <charconv>
 
-#include "graph/json_text.h"
 #include "base/wide_text.h"
+#include "graph/json_text.h"
 
 namespace orvane {
 

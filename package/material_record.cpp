@@ -1,8 +1,8 @@
 #include "package/material_record.h"
 
+#include "base/wide_text.h"
 #include "graph/class_dispatch.h"
 #include "graph/json_text.h"
-#include "base/wide_text.h"
 
 namespace orvane {
 

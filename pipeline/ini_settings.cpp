@@ -19,21 +19,6 @@ namespace {
 constexpr std::u16string_view kSection = u"Settings";
 constexpr size_t kMaxValueLength = 1023;  // the panel reads into 1,024 characters
 
-std::u16string Lower(std::u16string_view text) {
-  std::u16string lower(text);
-  for (char16_t& c : lower) {
-    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + 32);
-  }
-  return lower;
-}
-
-std::u16string Trim(std::u16string_view text) {
-  size_t first = text.find_first_not_of(u" \t");
-  if (first == std::u16string_view::npos) return {};
-  size_t last = text.find_last_not_of(u" \t\r");
-  return std::u16string(text.substr(first, last - first + 1));
-}
-
 std::u16string Decode(const std::string& bytes) {
   if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
       static_cast<unsigned char>(bytes[1]) == 0xFE) {
@@ -65,11 +50,11 @@ std::vector<std::u16string> ReadLines(const std::filesystem::path& file) {
 }
 
 bool IsSectionLine(std::u16string_view line, std::u16string* name) {
-  std::u16string trimmed = Trim(line);
+  std::u16string trimmed = TrimWhitespace(line);
   if (trimmed.size() < 2 || trimmed.front() != u'[') return false;
   size_t close = trimmed.find(u']');
   if (close == std::u16string::npos) return false;
-  *name = Trim(std::u16string_view(trimmed).substr(1, close - 1));
+  *name = TrimWhitespace(std::u16string_view(trimmed).substr(1, close - 1));
   return true;
 }
 
@@ -77,14 +62,14 @@ bool IsSectionLine(std::u16string_view line, std::u16string* name) {
 std::u16string KeyOf(std::u16string_view line) {
   size_t equals = line.find(u'=');
   if (equals == std::u16string_view::npos) return {};
-  return Lower(Trim(line.substr(0, equals)));
+  return LowerAscii(TrimWhitespace(line.substr(0, equals)));
 }
 
 // The lines of our section: [first, end) after its header; first == npos when it is absent.
 std::pair<size_t, size_t> FindSection(const std::vector<std::u16string>& lines) {
   std::u16string name;
   for (size_t i = 0; i < lines.size(); ++i) {
-    if (!IsSectionLine(lines[i], &name) || Lower(name) != Lower(kSection)) continue;
+    if (!IsSectionLine(lines[i], &name) || LowerAscii(name) != LowerAscii(kSection)) continue;
     size_t end = i + 1;
     while (end < lines.size() && !IsSectionLine(lines[end], &name))
       ++end;
@@ -119,10 +104,11 @@ std::u16string IniSettingsStore::Read(std::u16string_view key) {
   std::vector<std::u16string> lines = ReadLines(file_);
   auto [first, end] = FindSection(lines);
   if (first == std::u16string::npos) return {};
-  std::u16string wanted = Lower(key);
+  std::u16string wanted = LowerAscii(key);
   for (size_t i = first; i < end; ++i) {
     if (KeyOf(lines[i]) != wanted) continue;
-    std::u16string value = Trim(std::u16string_view(lines[i]).substr(lines[i].find(u'=') + 1));
+    std::u16string value =
+        TrimWhitespace(std::u16string_view(lines[i]).substr(lines[i].find(u'=') + 1));
     if (value.size() >= 2 && (value.front() == u'"' || value.front() == u'\'') &&
         value.back() == value.front()) {
       value = value.substr(1, value.size() - 2);
@@ -140,7 +126,7 @@ void IniSettingsStore::Write(std::u16string_view key, std::u16string_view value)
     lines.push_back(u"[" + std::u16string(kSection) + u"]");
     lines.push_back(line);
   } else {
-    std::u16string wanted = Lower(key);
+    std::u16string wanted = LowerAscii(key);
     size_t found = first;
     while (found < end && KeyOf(lines[found]) != wanted)
       ++found;
@@ -149,7 +135,7 @@ void IniSettingsStore::Write(std::u16string_view key, std::u16string_view value)
     } else {
       // After the section's last entry, before any blank lines that close it.
       size_t insert = end;
-      while (insert > first && Trim(lines[insert - 1]).empty())
+      while (insert > first && TrimWhitespace(lines[insert - 1]).empty())
         --insert;
       lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(insert), line);
     }

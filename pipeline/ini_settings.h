@@ -14,8 +14,8 @@ namespace orvane {
 // Text is written as UTF-8; a file is read as UTF-16 when it starts with that byte-order mark,
 // as UTF-8 when it is valid UTF-8, and otherwise in the Windows ANSI code page (Windows-1252), as
 // the profile functions write a new file. Off Windows the file is made readable by its owner only
-// whenever it is written: it holds the user's token. An unreadable or missing file reads as empty; write failures are
-// ignored, as the profile functions' are by the panel.
+// whenever it is written: it holds the user's token. An unreadable or missing file reads as empty;
+// write failures are ignored, as the profile functions' are by the panel.
 class IniSettingsStore final : public SettingsStore {
  public:
   explicit IniSettingsStore(std::filesystem::path file) : file_(std::move(file)) {}

@@ -25,10 +25,6 @@ constexpr std::u16string_view kBakeWarning =
     u"collapsed. These operations modify the scene and cannot be undone.\nDo not save the scene "
     u"after export!\n\nContinue?";
 
-std::u16string Decimal(int64_t value) {
-  return AsciiToWide(std::to_string(value));
-}
-
 // Runs the spline restore when the send ends, however it ends, if twins were made.
 class SplineGuard {
  public:

@@ -51,9 +51,6 @@ MultiMapSettings ReadSettings(const MultiMap& found, host::TimeValue t) {
   return settings;
 }
 
-std::u16string Decimal(int64_t value) {
-  return AsciiToWide(std::to_string(value));
-}
 std::u16string_view TrueFalse(bool value) {
   return value ? u"true" : u"false";
 }

@@ -1,15 +1,11 @@
 #include "service/account_status.h"
 
-#include "base/wide_text.h"
 #include "base/leading_int.h"
+#include "base/wide_text.h"
 
 namespace orvane {
 
 namespace {
-
-std::u16string Decimal(int32_t value) {
-  return AsciiToWide(std::to_string(value));
-}
 
 size_t SkipBlanks(std::u16string_view text, size_t at) {
   while (at < text.size() && (text[at] == u' ' || text[at] == u'\t'))

@@ -6,10 +6,6 @@ namespace orvane {
 
 namespace {
 
-std::u16string Decimal(int64_t value) {
-  return AsciiToWide(std::to_string(value));
-}
-
 std::vector<std::u16string> HeaderLines(std::u16string_view token, std::u16string_view extra,
                                         bool hasBody) {
   std::vector<std::u16string> lines{u"Authorization: Bearer " + std::u16string(token)};

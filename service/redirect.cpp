@@ -1,19 +1,8 @@
 #include "service/redirect.h"
 
+#include "base/wide_text.h"
+
 namespace orvane {
-
-namespace {
-
-bool SameAsciiFolded(std::u16string_view a, std::u16string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    auto fold = [](char16_t c) { return c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c; };
-    if (fold(a[i]) != fold(b[i])) return false;
-  }
-  return true;
-}
-
-}  // namespace
 
 std::optional<Redirect> FollowRedirect(int status, const ParsedUrl& from,
                                        std::u16string_view method, std::u16string_view location) {
@@ -27,7 +16,8 @@ std::optional<Redirect> FollowRedirect(int status, const ParsedUrl& from,
   bool becomesGet = !keepsMethod && (status == 303 ? method != u"HEAD" : method == u"POST");
   redirect.method = becomesGet ? u"GET" : std::u16string(method);
   redirect.keepsBody = keepsMethod;
-  redirect.keepsCredentials = SameAsciiFolded(target->host, from.host) && target->port == from.port;
+  redirect.keepsCredentials =
+      LowerAscii(target->host) == LowerAscii(from.host) && target->port == from.port;
   return redirect;
 }
 

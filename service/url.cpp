@@ -1,7 +1,7 @@
 #include "service/url.h"
 
-#include "base/wide_text.h"
 #include "base/leading_int.h"
+#include "base/wide_text.h"
 
 namespace orvane {
 

@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "graph/json_text.h"
 #include "base/wide_text.h"
+#include "graph/json_text.h"
 
 namespace orvane {
 namespace {

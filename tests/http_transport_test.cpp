@@ -6,8 +6,8 @@
 #include <chrono>
 #include <filesystem>
 
-#include "emulator/self_signed.h"
 #include "base/wide_text.h"
+#include "emulator/self_signed.h"
 #include "service/curl_http_client.h"
 #include "service/http.h"
 #include "tests/raw_http_server.h"

@@ -9,8 +9,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "graph/class_dispatch.h"
 #include "base/wide_text.h"
+#include "graph/class_dispatch.h"
 #include "host/memory/scene_file.h"
 #include "host/scene_walk.h"
 #include "package/material_record.h"

@@ -3,12 +3,12 @@
 
 #include <cmath>
 
+#include "base/wide_text.h"
 #include "graph/bitmap_writers.h"
 #include "graph/class_dispatch.h"
 #include "graph/material_writers.h"
 #include "graph/node_tree.h"
 #include "graph/script_probes.h"
-#include "base/wide_text.h"
 #include "host/memory/scene_file.h"
 #include "package/material_record.h"
 

@@ -9,11 +9,14 @@
 #include "host/memory/scene_file.h"
 #include "lights/lights.h"
 #include "package/package_builder.h"
+#include "tests/temp_folder.h"
 
 namespace orvane {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::FileContents;
+using testing::TempFolder;
 
 std::unique_ptr<host::memory::MemScene> Scene(const std::string& nodes) {
   auto loaded =
@@ -25,18 +28,9 @@ std::unique_ptr<host::memory::MemScene> Scene(const std::string& nodes) {
   return std::move(loaded.scene);
 }
 
-struct TempFolder {
-  TempFolder()
-      : path(fs::temp_directory_path() / ("orvane-builder-" + std::to_string(::getpid()))) {
-    fs::create_directories(path);
-  }
-  ~TempFolder() { fs::remove_all(path); }
-  fs::path path;
-};
-
 TEST(PackageBuilder, AnUnwritablePathFailsAndWritesNoLog) {
   auto scene = Scene(R"({"id": "a", "name": "Box", "object": "o", "material": "m"})");
-  TempFolder folder;
+  TempFolder folder("orvane-builder");
   fs::path document = folder.path / "missing-folder" / "1.json";
   NodeTreeState state;
   BuildResult result =
@@ -70,7 +64,7 @@ TEST(PackageBuilder, AMaterialThatThrowsCostsOnlyItsOwnRecord) {
                         {"id": "b", "name": "Good", "object": "o", "material": "m"})");
   BrokenMaterial broken;
   dynamic_cast<host::memory::MemNode*>(scene->FindById("a"))->material = &broken;
-  TempFolder folder;
+  TempFolder folder("orvane-builder");
   NodeTreeState state;
   fs::path document = folder.path / "1.json";
   BuildResult result =
@@ -95,7 +89,7 @@ TEST(PackageBuilder, RenamesPastNineHundredNinetyNineGrowTheNumberAndStayInTheSc
              R"(", "name": "Box", "object": "o", "material": "m"})";
   }
   auto scene = Scene(nodes);
-  TempFolder folder;
+  TempFolder folder("orvane-builder");
   NodeTreeState state;
   BuildPackage(WriteContext{*scene, 0}, scene->files, state, (folder.path / "1.json").u16string());
   EXPECT_EQ(dynamic_cast<host::INode*>(scene->FindById("n999"))->GetName(), u"Box_999");
@@ -118,7 +112,7 @@ TEST(PackageBuilder, TheLogLiesBesideTheDocument) {
 }
 
 TEST(IesFiles, OnlyFilesUpToOneMebibyteAreRead) {
-  TempFolder folder;
+  TempFolder folder("orvane-builder");
   host::LocalFileSystem files;
   const struct {
     const char* name;
@@ -137,7 +131,7 @@ TEST(IesFiles, OnlyFilesUpToOneMebibyteAreRead) {
 }
 
 TEST(IesFiles, TextThatIsNotUtf8IsReadAsTheAnsiCodePage) {
-  TempFolder folder;
+  TempFolder folder("orvane-builder");
   host::LocalFileSystem files;
   fs::path utf8 = folder.path / "utf8.ies", latin = folder.path / "latin.ies";
   std::ofstream(utf8, std::ios::binary) << "caf\xc3\xa9";
@@ -176,7 +170,7 @@ TEST(PackageBuilder, EachMapIsProbedOncePerBuild) {
                                   ".");
   ASSERT_TRUE(loaded.scene) << loaded.error;
   auto& scene = *loaded.scene;
-  TempFolder folder;
+  TempFolder folder("orvane-builder");
   auto probesRun = [&] {
     size_t count = 0;
     for (const auto& run : scene.scriptsRun)

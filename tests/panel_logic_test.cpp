@@ -15,25 +15,14 @@
 #include "pipeline/send_pipeline.h"
 #include "service/curl_http_client.h"
 #include "tests/recording_panel.h"
+#include "tests/temp_folder.h"
 
 namespace orvane {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct TempFolder {
-  explicit TempFolder(const std::string& name)
-      : path(fs::temp_directory_path() / (name + "-" + std::to_string(getpid()))) {
-    fs::remove_all(path);
-    fs::create_directories(path);
-  }
-  ~TempFolder() { fs::remove_all(path); }
-  fs::path path;
-};
-
-std::string Contents(const fs::path& file) {
-  return host::ReadRegularFile(file, 1 << 20).bytes.value_or("(none)");
-}
+using testing::FileContents;
+using testing::TempFolder;
 
 // Text as the profile functions write a Unicode file: a byte-order mark, then UTF-16LE.
 std::string Utf16Le(std::u16string_view text) {
@@ -93,7 +82,7 @@ TEST(PanelSettings, EachChangeIsWrittenAtOnceAndReadsBackTheSame) {
   OnExportDisplacementClicked(panel, settings);
   panel.checked[control::kTargetA] = true;
   OnTargetClicked(panel, settings);
-  EXPECT_EQ(Contents(file),
+  EXPECT_EQ(FileContents(file),
             "[Other]\r\nkeep=1\r\n\r\n[Settings]\r\napiToken=new "
             "token\r\nexchangeFolder=D:\\exchange\\\r\n"
             "exportDisplacement=true\r\nblenderTarget=5.1\r\n\r\n");
@@ -209,8 +198,8 @@ TEST(SendEndToEnd, TheStoredJobIsThePackageAndTheSceneComesBack) {
   EXPECT_EQ(panel.texts[control::kStatusLine1], u"Done  OK  Objects: 7");
   fs::path job = folder.path / "service" / "jobs" / "000001";
   EXPECT_FALSE(files.package.empty());
-  EXPECT_EQ(Contents(job / "body.json"), files.package);
-  std::string head = Contents(job / "head.txt");
+  EXPECT_EQ(FileContents(job / "body.json"), files.package);
+  std::string head = FileContents(job / "head.txt");
   EXPECT_NE(head.find("\r\nX-Job-Name: loft_interior_" + ToUtf8(TickCode(42)) + "\r\n"),
             std::string::npos);
   EXPECT_NE(head.find("\r\nX-Blender-Target-Version: 5.1\r\n"), std::string::npos);

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "graph/param_json.h"
 #include "base/wide_text.h"
+#include "graph/param_json.h"
 #include "host/memory/memory_scene.h"
 
 namespace orvane {

@@ -12,9 +12,9 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/wide_text.h"
 #include "cli/commands.h"
 #include "emulator/service_emulator.h"
-#include "base/wide_text.h"
 #include "host/local_file_system.h"
 #include "service/account_status.h"
 #include "service/curl_http_client.h"

@@ -1,10 +1,10 @@
 // The service client's rules, each checked against a scripted HTTP stack.
 #include <gtest/gtest.h>
 
+#include "base/leading_int.h"
 #include "base/wide_text.h"
 #include "service/account_status.h"
 #include "service/http.h"
-#include "base/leading_int.h"
 #include "service/redirect.h"
 #include "service/url.h"
 

@@ -9,28 +9,14 @@
 #include "host/file_read.h"
 #include "host/memory/scene_file.h"
 #include "prep/texture_collection.h"
+#include "tests/temp_folder.h"
 
 namespace orvane {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct TempFolder {
-  TempFolder() : path(fs::temp_directory_path() / ("orvane-textures-" + std::to_string(getpid()))) {
-    fs::remove_all(path);
-    fs::create_directories(path);
-  }
-  ~TempFolder() { fs::remove_all(path); }
-  void Write(const std::string& relative, const std::string& text) const {
-    fs::create_directories((path / relative).parent_path());
-    std::ofstream(path / relative, std::ios::binary) << text;
-  }
-  fs::path path;
-};
-
-std::string Contents(const fs::path& file) {
-  return host::ReadRegularFile(file, 1 << 20).bytes.value_or("(unreadable)");
-}
+using testing::FileContents;
+using testing::TempFolder;
 
 TEST(FileNamePart, TakesWhatFollowsTheLastSeparatorOfEitherKind) {
   const struct {
@@ -68,7 +54,7 @@ TEST(IsFileTexmap, TheStandardBitmapAndThreeRendererFileMaps) {
 
 // Every way a file is found, once each, and everything that must not be collected.
 TEST(CollectTextures, FindsCopiesAndListsEachFileOnce) {
-  TempFolder folder;
+  TempFolder folder("orvane-textures");
   folder.Write("disk/a/wood.jpg", "wood from a");
   folder.Write("disk/b/wood.jpg", "wood from b");
   folder.Write("disk/stone.png", "stone");
@@ -131,12 +117,12 @@ TEST(CollectTextures, FindsCopiesAndListsEachFileOnce) {
   EXPECT_EQ(result.copied, 7);
   EXPECT_EQ(result.missing, std::vector<std::u16string>{u"Missing: lost.jpg"});
   fs::path textures = folder.path / "job" / "textures";
-  EXPECT_EQ(Contents(textures / "wood.jpg"), "wood from b");  // the later copy wins
-  EXPECT_EQ(Contents(textures / "stone.png"), "stone");
-  EXPECT_EQ(Contents(textures / "relative.jpg"), "found beside the scene path");
-  EXPECT_EQ(Contents(textures / "moved.jpg"), "found by the resolver");
-  EXPECT_EQ(Contents(textures / "sky.hdr"), "sky");
-  EXPECT_EQ(Contents(textures / "env_detail.png"), "below the environment map");
+  EXPECT_EQ(FileContents(textures / "wood.jpg"), "wood from b");  // the later copy wins
+  EXPECT_EQ(FileContents(textures / "stone.png"), "stone");
+  EXPECT_EQ(FileContents(textures / "relative.jpg"), "found beside the scene path");
+  EXPECT_EQ(FileContents(textures / "moved.jpg"), "found by the resolver");
+  EXPECT_EQ(FileContents(textures / "sky.hdr"), "sky");
+  EXPECT_EQ(FileContents(textures / "env_detail.png"), "below the environment map");
   EXPECT_FALSE(fs::exists(textures / "projector.jpg"));  // only reachable from a light
   size_t files = 0;
   for ([[maybe_unused]] const auto& entry : fs::directory_iterator(textures))
@@ -145,7 +131,7 @@ TEST(CollectTextures, FindsCopiesAndListsEachFileOnce) {
 }
 
 TEST(CollectTextures, WithoutAResolverOrAPathAFileIsMissing) {
-  TempFolder folder;
+  TempFolder folder("orvane-textures");
   auto loaded = host::memory::LoadSceneText(R"({"format": "orvane-scene/1",
     "nodes": [{"id": "n", "object": "geo", "material": "m"}],
     "objects": [{"id": "geo", "class": "Box", "superClass": "geometry"}],

@@ -6,50 +6,8 @@
 
 namespace orvane {
 
-#ifdef _WIN32
-
-std::string ToUtf8(std::u16string_view text) {
-  if (text.empty()) return {};
-  auto wide = reinterpret_cast<const wchar_t*>(text.data());
-  int length = static_cast<int>(text.size());
-  int size = WideCharToMultiByte(CP_UTF8, 0, wide, length, nullptr, 0, nullptr, nullptr);
-  std::string out(static_cast<size_t>(size), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, wide, length, out.data(), size, nullptr, nullptr);
-  return out;
-}
-
-std::u16string FromUtf8(std::string_view bytes) {
-  if (bytes.empty()) return {};
-  int length = static_cast<int>(bytes.size());
-  int size = MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, nullptr, 0);
-  std::u16string out(static_cast<size_t>(size), u'\0');
-  MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, reinterpret_cast<wchar_t*>(out.data()),
-                      size);
-  return out;
-}
-
-std::optional<std::u16string> FromUtf8Strict(std::string_view bytes) {
-  if (bytes.empty()) return std::u16string();
-  int length = static_cast<int>(bytes.size());
-  int size = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), length, nullptr, 0);
-  if (size == 0) return std::nullopt;
-  std::u16string out(static_cast<size_t>(size), u'\0');
-  MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), length,
-                      reinterpret_cast<wchar_t*>(out.data()), size);
-  return out;
-}
-
-std::u16string FromAnsiCodePage(std::string_view bytes) {
-  if (bytes.empty()) return {};
-  int length = static_cast<int>(bytes.size());
-  int size = MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, nullptr, 0);
-  std::u16string out(static_cast<size_t>(size), u'\0');
-  MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, reinterpret_cast<wchar_t*>(out.data()),
-                      size);
-  return out;
-}
-
-#else
+// UTF-8 is converted here on every system, so that ill-formed bytes become the same text on
+// Windows as elsewhere.
 
 namespace {
 
@@ -197,6 +155,21 @@ std::optional<std::u16string> FromUtf8Strict(std::string_view bytes) {
   return text;
 }
 
+#ifdef _WIN32
+
+std::u16string FromAnsiCodePage(std::string_view bytes) {
+  if (bytes.empty()) return {};
+  int length = static_cast<int>(bytes.size());
+  int size = MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, nullptr, 0);
+  std::u16string out(static_cast<size_t>(size), u'\0');
+  MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, reinterpret_cast<wchar_t*>(out.data()),
+                      size);
+  return out;
+}
+
+#else
+
+// Windows-1252, the ANSI code page of Western Windows installations.
 std::u16string FromAnsiCodePage(std::string_view bytes) {
   // 0x80-0x9F differ from Latin-1; 0 marks the five bytes the code page leaves undefined, which
   // map to the same-numbered control characters, as Windows does.

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "base/wide_text.h"
+#include "host/copy_replacing.h"
 #include "host/file_read.h"
 
 namespace orvane::host {
@@ -52,9 +53,7 @@ bool LocalFileSystem::CreateDirectory(std::u16string_view path) {
 }
 
 bool LocalFileSystem::CopyFile(std::u16string_view from, std::u16string_view to) {
-  std::error_code error;
-  return fs::copy_file(ToLocalPath(from), ToLocalPath(to), fs::copy_options::overwrite_existing,
-                       error);
+  return CopyReplacing(ToLocalPath(from), ToLocalPath(to));
 }
 
 bool LocalFileSystem::DeleteFile(std::u16string_view path) {

@@ -39,11 +39,6 @@ std::string ToUrl(const ParsedUrl& url) {
          std::to_string(url.port) + ToUtf8(url.path);
 }
 
-bool IsHeaderLine(std::u16string_view line, std::u16string_view name) {
-  return line.size() > name.size() && line.substr(0, name.size()) == name &&
-         line[name.size()] == u':';
-}
-
 // What one request on the wire brought back.
 struct Reply {
   std::string body;
@@ -170,13 +165,7 @@ HttpExchange CurlHttpClient::Exchange(const ParsedUrl& url, std::u16string_view 
       exchange.errorCode = CURLE_TOO_MANY_REDIRECTS;
       return exchange;
     }
-    if (!next->keepsBody) {
-      body = nullptr;
-      std::erase_if(lines, [](const auto& line) { return IsHeaderLine(line, u"Content-Type"); });
-    }
-    if (!next->keepsCredentials) {
-      std::erase_if(lines, [](const auto& line) { return IsHeaderLine(line, u"Authorization"); });
-    }
+    StripForRedirect(*next, lines, body);
     current = next->target;
     currentMethod = next->method;
   }

@@ -14,9 +14,6 @@ struct HttpTimeouts {
   std::chrono::seconds idle{30};  // longest the peer may stay silent once connected
 };
 
-// WinHTTP follows at most this many redirects of one request.
-inline constexpr int kMaxRedirects = 10;
-
 // One easy handle per request, synchronous, the whole reply read into memory. Proxies come from
 // the environment (http_proxy, https_proxy, no_proxy), libcurl's counterpart of the automatic
 // proxy. Certificates are always verified; `caFile` adds a trusted certificate file (the test

@@ -21,4 +21,26 @@ std::optional<Redirect> FollowRedirect(int status, const ParsedUrl& from,
   return redirect;
 }
 
+namespace {
+
+bool IsHeaderLine(std::u16string_view line, std::u16string_view name) {
+  return line.size() > name.size() && line.substr(0, name.size()) == name &&
+         line[name.size()] == u':';
+}
+
+}  // namespace
+
+void StripForRedirect(const Redirect& next, std::vector<std::u16string>& headerLines,
+                      const std::string*& body) {
+  if (!next.keepsBody) {
+    body = nullptr;
+    std::erase_if(headerLines,
+                  [](const auto& line) { return IsHeaderLine(line, u"Content-Type"); });
+  }
+  if (!next.keepsCredentials) {
+    std::erase_if(headerLines,
+                  [](const auto& line) { return IsHeaderLine(line, u"Authorization"); });
+  }
+}
+
 }  // namespace orvane

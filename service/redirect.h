@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "service/url.h"
 
@@ -22,5 +23,12 @@ struct Redirect {
 // 301, 302 and 303 turn a POST (any method but GET and HEAD, for 303) into a GET without body.
 std::optional<Redirect> FollowRedirect(int status, const ParsedUrl& from,
                                        std::u16string_view method, std::u16string_view location);
+
+// WinHTTP follows at most this many redirects of one request.
+inline constexpr int kMaxRedirects = 10;
+
+// Drops what the next request must not carry: the body with its content type, the bearer line.
+void StripForRedirect(const Redirect& next, std::vector<std::u16string>& headerLines,
+                      const std::string*& body);
 
 }  // namespace orvane

@@ -10,6 +10,7 @@
 #include "emulator/self_signed.h"
 #include "service/curl_http_client.h"
 #include "service/http.h"
+#include "service/redirect.h"
 #include "tests/raw_http_server.h"
 
 namespace orvane {

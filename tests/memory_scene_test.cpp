@@ -97,7 +97,7 @@ TEST(MemoryScene, FileResolutionAnswersByPathAndAssetType) {
 TEST(MemoryScene, SceneFilesMapHostPathsToFilesBesideThem) {
   auto folder = std::filesystem::temp_directory_path() / "orvane-files-test";
   std::filesystem::create_directories(folder / "ies");
-  std::ofstream(folder / "ies" / "lamp.ies") << "IESNA:LM-63-2002\n";
+  std::ofstream(folder / "ies" / "lamp.ies", std::ios::binary) << "IESNA:LM-63-2002\n";
   auto scene = Load(R"("files": {"C:\\Program Files\\IES\\Lamp.ies": "ies/lamp.ies"})", folder);
   EXPECT_TRUE(scene->files.Exists(u"c:\\program files\\ies\\LAMP.IES"));
   auto bytes = scene->files.ReadBytes(u"C:\\Program Files\\IES\\Lamp.ies", 1024);

@@ -91,6 +91,11 @@ void OnRefreshResult(PanelView& panel, PanelState& state, const AccountStatus& s
   }
 }
 
+int LogoResourceForDpi(unsigned dpi) {
+  if (dpi == 0) dpi = 96;
+  return dpi >= 144 ? kLargeLogoResource : kLogoResource;
+}
+
 void OnClose(PanelView& panel, PanelState& state) {
   StopStatusSpinner(panel, state);
   if (state.balanceSpinning) StopBalanceSpinner(panel, state);

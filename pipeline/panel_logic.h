@@ -46,6 +46,12 @@ void OnRefresh(PanelView& panel, PanelState& state, std::u16string_view serviceU
 void OnRefreshResult(PanelView& panel, PanelState& state, const AccountStatus& status,
                      std::u16string_view dashboardUrl);
 
+// The logo image for the panel's screen: 96 DPI when the system answers 0, the large image from
+// 144 DPI (150 % scaling) up.
+inline constexpr int kLogoResource = 2001;       // 320 x 60
+inline constexpr int kLargeLogoResource = 2002;  // 640 x 120
+int LogoResourceForDpi(unsigned dpi);
+
 // Closing: both spinners stop.
 void OnClose(PanelView& panel, PanelState& state);
 

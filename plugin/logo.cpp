@@ -1,7 +1,9 @@
 #include "plugin/logo.h"
 
-#include <gdiplus.h>
+// GDI+ needs the COM declarations, which a lean <windows.h> leaves out, before its own.
 #include <objidl.h>
+
+#include <gdiplus.h>
 
 #include <cstring>
 

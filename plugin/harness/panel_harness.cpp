@@ -78,7 +78,16 @@ void PanelHarness::Type(int controlId, std::u16string_view text) {
 }
 
 void PanelHarness::Click(int controlId) {
-  SendMessageW(GetDlgItem(Panel(), controlId), BM_CLICK, 0, 0);
+  HWND control = GetDlgItem(Panel(), controlId);
+  wchar_t className[16] = {};
+  GetClassNameW(control, className, 16);
+  if (std::wstring(className) == L"Static") {
+    // A static control that notifies (the link) answers the mouse, not BM_CLICK.
+    SendMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 1));
+    SendMessageW(control, WM_LBUTTONUP, 0, MAKELPARAM(1, 1));
+    return;
+  }
+  SendMessageW(control, BM_CLICK, 0, 0);
 }
 
 std::u16string PanelHarness::Text(int controlId) const {

@@ -16,6 +16,7 @@
 #include "plugin/profile_settings.h"
 #include "plugin/win32_panel_view.h"
 #include "service/account_status.h"
+#include "service/service_config.h"
 
 namespace orvane::plugin {
 
@@ -84,10 +85,7 @@ void Initialise(HWND dialog, Win32PanelView& view) {
   SendDlgItemMessageW(dialog, IDC_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, 100));
   UINT dpi = GetDpiForWindow(dialog);
   ShowLogo(GetDlgItem(dialog, IDC_LOGO), LogoResourceForDpi(dpi), gModuleInstance);
-  // The link shows the site's address: the service's base address without its scheme.
-  std::u16string site = gServices->serviceUrl;
-  if (size_t scheme = site.find(u"://"); scheme != std::u16string::npos) site.erase(0, scheme + 3);
-  view.SetText(IDC_LINK, site);
+  view.SetText(IDC_LINK, kSiteAddress);
 }
 
 void Command(HWND dialog, Win32PanelView& view, int id, int notification) {
@@ -156,6 +154,12 @@ INT_PTR CALLBACK PanelProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
     case WM_INITDIALOG: Initialise(dialog, view); return TRUE;
     case WM_COMMAND: Command(dialog, view, LOWORD(wParam), HIWORD(wParam)); return TRUE;
     case WM_TIMER: TimerTick(view, gPanelState, static_cast<int>(wParam)); return TRUE;
+    case WM_CTLCOLORSTATIC:
+      // The link reads as one: link blue on the dialog's own background.
+      if (reinterpret_cast<HWND>(lParam) != GetDlgItem(dialog, IDC_LINK)) return FALSE;
+      SetTextColor(reinterpret_cast<HDC>(wParam), RGB(0, 102, 204));
+      SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
+      return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
     case kRefreshResultMessage: {
       std::unique_ptr<AccountStatus> status(reinterpret_cast<AccountStatus*>(lParam));
       OnRefreshResult(view, gPanelState, *status, gServices->dashboardUrl);

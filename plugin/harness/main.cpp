@@ -2,7 +2,7 @@
 //
 //   orvane-panel SCENE [--settings DIR] [--service URL] [--dashboard URL] [STEP ...]
 //
-// Steps: type:ID=TEXT  click:ID  answer:ok|yes|no  wait-refresh  print:ID  close
+// Steps: type:ID=TEXT  click:ID  answer:ok|yes|no  wait-refresh  hold:MS  print:ID  close
 // Without steps the panel stays open for a person to use until it is closed.
 #include "plugin/windows_api.h"
 
@@ -27,7 +27,7 @@ using orvane::plugin::PanelHarness;
 
 constexpr char kUsage[] =
     "usage: orvane-panel SCENE [--settings DIR] [--service URL] [--dashboard URL] [STEP ...]\n"
-    "steps: type:ID=TEXT click:ID answer:ok|yes|no wait-refresh print:ID close\n";
+    "steps: type:ID=TEXT click:ID answer:ok|yes|no wait-refresh hold:MS print:ID close\n";
 
 void PrintNewMessages(PanelHarness& harness, size_t& shown) {
   for (; shown < harness.messages.size(); ++shown) {
@@ -56,6 +56,9 @@ bool RunStep(PanelHarness& harness, const std::string& step) {
     if (!harness.PumpUntil([&] { return harness.Enabled(orvane::control::kRefresh); })) {
       std::cerr << "orvane-panel: the balance check did not come back\n";
     }
+  } else if (verb == "hold") {
+    // The panel stays up and alive for a while, for a person or a screenshot.
+    harness.PumpUntil([] { return false; }, std::stoi(argument));
   } else if (verb == "print") {
     std::cout << argument << ": " << ToUtf8(harness.Text(std::stoi(argument))) << "\n";
   } else if (verb == "close") {

@@ -55,6 +55,9 @@ PanelHarness::~PanelHarness() {
 
 void PanelHarness::Open() {
   OpenPanel(GetModuleHandleW(nullptr), owner_, services_);
+  // Inside the host the user has just clicked, so the new panel is the active window; on a bare
+  // display nobody activates it.
+  if (Panel() != nullptr) SetForegroundWindow(Panel());
 }
 
 void PanelHarness::LeaveUtility() {

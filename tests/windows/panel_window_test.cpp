@@ -12,6 +12,7 @@
 #include "plugin/module_state.h"
 #include "plugin/panel_resources.h"
 #include "plugin/profile_settings.h"
+#include "service/service_config.h"
 #include "service/winhttp_client.h"
 #include "tests/temp_folder.h"
 #include "tests/windows/service_under_test.h"
@@ -114,7 +115,7 @@ TEST_F(PanelWindow, OpensWithTheSettingsFileReadBackExactly) {
     EXPECT_EQ(Panel().Checked(IDC_TARGET_A), c.targetA) << c.file;
     EXPECT_EQ(Panel().Checked(IDC_TARGET_B), !c.targetA) << c.file;
     EXPECT_EQ(Panel().Text(IDC_STATUS_LINE1), u"Ready.");
-    EXPECT_EQ(Panel().Text(IDC_LINK), u"api.example");
+    EXPECT_EQ(Panel().Text(IDC_LINK), kSiteAddress);
     Panel().CloseBox();
     EXPECT_EQ(Panel().Panel(), nullptr);
   }

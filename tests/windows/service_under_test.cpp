@@ -1,7 +1,8 @@
 #include "tests/windows/service_under_test.h"
 
-#include <wincrypt.h>
 #include <windows.h>
+
+#include <wincrypt.h>  // after <windows.h>, whose types it uses
 
 #include <cstdlib>
 #include <vector>

@@ -33,7 +33,6 @@ const ServiceUnderTest& Service() {
     found.url = FromUtf8(Environment("ORVANE_TEST_SERVICE", found.missing));
     found.data = Environment("ORVANE_TEST_SERVICE_DATA", found.missing);
     found.tlsUrl = FromUtf8(Environment("ORVANE_TEST_TLS_SERVICE", found.missing));
-    found.tlsData = Environment("ORVANE_TEST_TLS_SERVICE_DATA", found.missing);
     found.certificate = Environment("ORVANE_TEST_TLS_CERT", found.missing);
     found.untrustedUrl = FromUtf8(Environment("ORVANE_TEST_UNTRUSTED_SERVICE", found.missing));
     return found;

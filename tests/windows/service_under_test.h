@@ -12,12 +12,12 @@ struct ServiceUnderTest {
   std::u16string url;           // http://127.0.0.1:PORT
   std::u16string tlsUrl;        // https://localhost:PORT, with a certificate the test may trust
   std::u16string untrustedUrl;  // https://localhost:PORT, with one it never trusts
-  std::filesystem::path data, tlsData, certificate;
+  std::filesystem::path data, certificate;
   std::string missing;  // what the environment lacks, when the emulator was not started
 };
 
 // From ORVANE_TEST_SERVICE, ORVANE_TEST_SERVICE_DATA, ORVANE_TEST_TLS_SERVICE,
-// ORVANE_TEST_TLS_SERVICE_DATA, ORVANE_TEST_TLS_CERT and ORVANE_TEST_UNTRUSTED_SERVICE.
+// ORVANE_TEST_TLS_CERT and ORVANE_TEST_UNTRUSTED_SERVICE.
 const ServiceUnderTest& Service();
 
 // Adds the PEM certificate to the current user's trusted roots (of the test's own wine prefix).

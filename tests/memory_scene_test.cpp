@@ -7,6 +7,7 @@
 
 #include <set>
 #include "base/wide_text.h"
+#include "graph/json_text.h"
 #include "host/memory/scene_file.h"
 
 namespace orvane::host::memory {
@@ -18,6 +19,46 @@ std::unique_ptr<MemScene> Load(const std::string& body, const std::filesystem::p
       folder);
   EXPECT_TRUE(result.scene) << result.error;
   return std::move(result.scene);
+}
+
+// Rotations come apart as the host's own decomposition gives them: quaternions by the left-hand
+// rule, scale signed by the handedness of the axes.
+TEST(MemoryScene, TransformsDecomposeWithTheHostsConventions) {
+  using host::Point3;
+  constexpr float h = 0.70710678f;
+  const struct {
+    const char* label;
+    Point3 x, y, z;
+    host::Quat quat;
+    Point3 scale;
+  } cases[] = {
+      {"identity", {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0, 1}, {1, 1, 1}},
+      {"+90 about Z", {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {0, 0, -h, h}, {1, 1, 1}},
+      {"+90 about X", {1, 0, 0}, {0, 0, 1}, {0, -1, 0}, {-h, 0, 0, h}, {1, 1, 1}},
+      {"180 about Y, scaled 2", {-2, 0, 0}, {0, 2, 0}, {0, 0, -2}, {0, 1, 0, 0}, {2, 2, 2}},
+      {"+90 about Z, mirrored in X", {0, -1, 0}, {-1, 0, 0}, {0, 0, 1}, {0, 0, -h, h}, {-1, 1, 1}},
+  };
+  auto scene = Load("");
+  for (const auto& c : cases) {
+    host::Matrix3 tm;
+    tm.rows = {c.x, c.y, c.z, Point3{1, 2, 3}};
+    Point3 position, scale;
+    host::Quat rotation;
+    scene->DecomposeMatrix(tm, position, rotation, scale);
+    EXPECT_NEAR(rotation.x, c.quat.x, 1e-6) << c.label;
+    EXPECT_NEAR(rotation.y, c.quat.y, 1e-6) << c.label;
+    EXPECT_NEAR(rotation.z, c.quat.z, 1e-6) << c.label;
+    EXPECT_NEAR(rotation.w, c.quat.w, 1e-6) << c.label;
+    EXPECT_EQ(scale, c.scale) << c.label;
+    EXPECT_EQ(position, (Point3{1, 2, 3})) << c.label;
+  }
+  // What the package carries for a light turned +90 degrees about Z, as the host writes it.
+  host::Matrix3 turned;
+  turned.rows = {Point3{0, 1, 0}, Point3{-1, 0, 0}, Point3{0, 0, 1}, Point3{0, 0, 0}};
+  Point3 position, scale;
+  host::Quat rotation;
+  scene->DecomposeMatrix(turned, position, rotation, scale);
+  EXPECT_EQ(u"\"quat\":" + FormatJsonQuat(rotation), u"\"quat\":[0.707107,0,0,-0.707107]");
 }
 
 TEST(MemoryScene, ScriptsAreAnsweredByTheFirstRuleWhosePartsAllAppear) {

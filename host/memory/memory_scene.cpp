@@ -252,14 +252,16 @@ void MemScene::DecomposeMatrix(const Matrix3& matrix, Point3& position, Quat& ro
       a.x * (b.y * c.z - b.z * c.y) - a.y * (b.x * c.z - b.z * c.x) + a.z * (b.x * c.y - b.y * c.x);
   if (determinant < 0) lengths[0] = -lengths[0];
   scale = {lengths[0], lengths[1], lengths[2]};
+  // The host's quaternions turn by the left-hand rule: +90 degrees about Z is (0, 0, -0.707107,
+  // 0.707107), the conjugate of the usual one. With the axis images as columns of `m`, the usual
+  // extraction below yields exactly that.
   float m[3][3];
   for (int i = 0; i < 3; ++i) {
     float length = lengths[i] != 0 ? lengths[i] : 1;
-    m[i][0] = rows[i].x / length;
-    m[i][1] = rows[i].y / length;
-    m[i][2] = rows[i].z / length;
+    m[0][i] = rows[i].x / length;
+    m[1][i] = rows[i].y / length;
+    m[2][i] = rows[i].z / length;
   }
-  // Rows are the images of the axes, so the column-vector rotation is the transpose.
   float trace = m[0][0] + m[1][1] + m[2][2];
   if (trace > 0) {
     float s = std::sqrt(trace + 1) * 2;

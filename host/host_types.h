@@ -50,9 +50,10 @@ enum AssetType : int {
   kPhotometricAsset = 3,
 };
 
-// Host directory codes for Interface::GetDir.
+// Host directory codes for Interface::GetDir. The settings file lives in the user-writable
+// scripts folder.
 enum DirectoryCode : int {
-  APP_PLUGCFG_DIR = 26,
+  APP_USER_SCRIPTS_DIR = 26,
 };
 
 // Host log entry types.

@@ -9,12 +9,19 @@
 #include <string>
 #include <string_view>
 
-#include "graph/node_tree.h"
-#include "host/file_system.h"
-#include "host/interface.h"
 #include "pipeline/panel_view.h"
 #include "pipeline/progress.h"
-#include "service/http.h"
+
+// Declared only: the plug-in's shell sees this header beside the SDK's, whose macros carry some
+// of the host interface's names.
+namespace orvane {
+class HttpClient;
+struct NodeTreeState;
+namespace host {
+class FileSystem;
+class Interface;
+}  // namespace host
+}  // namespace orvane
 
 namespace orvane::plugin {
 

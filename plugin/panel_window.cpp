@@ -31,7 +31,8 @@ std::wstring Wide(std::u16string_view text) {
 }
 
 ProfileSettingsStore Settings() {
-  return ProfileSettingsStore(SettingsFilePath(gServices->scene->GetDir(host::APP_PLUGCFG_DIR)));
+  return ProfileSettingsStore(
+      SettingsFilePath(gServices->scene->GetDir(host::APP_USER_SCRIPTS_DIR)));
 }
 
 // What the Refresh worker owns: a copy of everything it needs, nothing shared.

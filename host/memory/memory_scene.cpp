@@ -186,7 +186,7 @@ double MemScene::GetSystemUnitScale(UnitType unitType) const {
 }
 
 std::u16string MemScene::GetDir(DirectoryCode which) const {
-  return which == APP_PLUGCFG_DIR ? settingsDirectory : std::u16string();
+  return which == APP_USER_SCRIPTS_DIR ? settingsDirectory : std::u16string();
 }
 
 bool MemScene::ExportToFile(std::u16string_view path, bool) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "graph/node_tree.h"
 #include "plugin/panel_services.h"
 
 namespace orvane::plugin {

@@ -70,9 +70,16 @@ LeadInfo ClassifyLead(unsigned char lead) {
 }  // namespace
 
 std::string ToUtf8(std::u16string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (size_t i = 0; i < text.size(); ++i) {
+  // Most of what is converted (the package above all) is ASCII: copied in one tight loop until
+  // the first unit that is not.
+  std::string out(text.size(), '\0');
+  size_t i = 0;
+  for (; i < text.size() && text[i] < 0x80; ++i)
+    out[i] = static_cast<char>(text[i]);
+  if (i == text.size()) return out;
+  out.resize(i);
+  out.reserve(i + 3 * (text.size() - i));
+  for (; i < text.size(); ++i) {
     char16_t unit = text[i];
     if (unit < 0x80) {
       out += static_cast<char>(unit);

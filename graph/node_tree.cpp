@@ -35,6 +35,7 @@ class TreeWriter {
                    std::vector<std::u16string>& children);
   std::u16string LayerEntry(const std::u16string& inner, int number, const std::u16string& material,
                             std::optional<bool> enabled, float blend);
+  void AppendParams(FragmentList& fragments, const host::MtlBase& object);
   float BlendAmount(const host::Mtl& material, int index);
   std::optional<bool> LayerToggle(const host::Mtl& material, int index);
 
@@ -66,10 +67,7 @@ std::u16string TreeWriter::Write(const host::MtlBase* object, int depth) {
       u"\"node_id\": " + Decimal(id),
       u"\"type\": \"" + EscapeJsonString(NormalizeClassTypeName(className, material)) + u"\"",
       u"\"name\": \"" + EscapeJsonString(named ? object->GetName() : std::u16string()) + u"\""};
-  for (std::u16string& fragment : WriteParamsForClass(context_, *object)) {
-    fragments.push_back(std::move(fragment));
-  }
-  AppendOutputProbe(fragments, context_, *object);
+  AppendParams(fragments, *object);
 
   if (!material && object->SuperClassID() == host::TEXMAP_CLASS_ID &&
       LowerAscii(className) == u"multitexture") {
@@ -106,6 +104,20 @@ std::u16string TreeWriter::Write(const host::MtlBase* object, int depth) {
     suffix += u"\n" + inner + u"}";
   }
   return indent + u"{\n" + JoinFragments(fragments, inner) + suffix + u"\n" + indent + u"}";
+}
+
+void TreeWriter::AppendParams(FragmentList& fragments, const host::MtlBase& object) {
+  if (context_.params != nullptr) {
+    auto cached = context_.params->byObject.find(&object);
+    if (cached != context_.params->byObject.end()) {
+      fragments.insert(fragments.end(), cached->second.begin(), cached->second.end());
+      return;
+    }
+  }
+  FragmentList own = WriteParamsForClass(context_, object);
+  AppendOutputProbe(own, context_, object);
+  fragments.insert(fragments.end(), own.begin(), own.end());
+  if (context_.params != nullptr) context_.params->byObject.emplace(&object, std::move(own));
 }
 
 std::u16string TreeWriter::WriteMultiTexture(const host::MtlBase& map, const std::u16string& indent,

@@ -159,8 +159,10 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
                          std::u16string_view documentPath) {
   NumericLocaleGuard numbers;
   ProbeReplies probes;
+  ParamFragments params;
   WriteContext context{caller.scene, caller.time,
-                       caller.probes != nullptr ? caller.probes : &probes};
+                       caller.probes != nullptr ? caller.probes : &probes,
+                       caller.params != nullptr ? caller.params : &params};
   Log log;
   std::vector<host::INode*> geometry = GeometryWithMaterials(context);
   log.push_back(u"Geometry objects with materials: " +

@@ -12,8 +12,8 @@ class ForwardingFileSystem : public FileSystem {
   std::optional<std::string> ReadBytes(std::u16string_view path, uint64_t maxBytes) const override {
     return inner_.ReadBytes(path, maxBytes);
   }
-  bool WriteBytes(std::u16string_view path, std::string_view bytes) override {
-    return inner_.WriteBytes(path, bytes);
+  bool WriteParts(std::u16string_view path, std::span<const std::string_view> parts) override {
+    return inner_.WriteParts(path, parts);
   }
   bool CreateDirectory(std::u16string_view path) override { return inner_.CreateDirectory(path); }
   bool CopyFile(std::u16string_view from, std::u16string_view to) override {

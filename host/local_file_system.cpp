@@ -39,10 +39,12 @@ std::optional<std::string> LocalFileSystem::ReadBytes(std::u16string_view path,
   return ReadRegularFile(ToLocalPath(path), maxBytes).bytes;
 }
 
-bool LocalFileSystem::WriteBytes(std::u16string_view path, std::string_view bytes) {
+bool LocalFileSystem::WriteParts(std::u16string_view path,
+                                 std::span<const std::string_view> parts) {
   std::ofstream out(ToLocalPath(path), std::ios::binary | std::ios::trunc);
   if (!out) return false;
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  for (std::string_view part : parts)
+    out.write(part.data(), static_cast<std::streamsize>(part.size()));
   out.close();
   return !out.fail();
 }

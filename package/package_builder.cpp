@@ -185,16 +185,13 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
   auto objectCount = static_cast<int32_t>(geometry.size());
   std::string header = ToUtf8(Header(color, unitScale, displacement, objectCount));
   std::string tail = "  ]" + ToUtf8(sections) + "\n}";
-  std::string document;
-  document.reserve(header.size() + objects.size() + tail.size());
-  document += header;
-  document += objects;
-  objects = std::string();  // released before the file is written
-  document += tail;
 
   BuildResult result;
   result.logLineCount = static_cast<int32_t>(log.size());
-  if (!files.WriteBytes(documentPath, document)) return result;
+  // Written in its three parts: the records, by far the largest, are never copied into one
+  // document.
+  const std::string_view document[] = {header, objects, tail};
+  if (!files.WriteParts(documentPath, document)) return result;
   result.success = true;
   result.objectCount = objectCount;
   if (!log.empty()) files.WriteBytes(LogPathFor(documentPath), LogText(log));

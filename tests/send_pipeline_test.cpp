@@ -75,9 +75,9 @@ class FailingFileSystem final : public host::ForwardingFileSystem {
     Tick();
     return inner_.ReadBytes(p, max);
   }
-  bool WriteBytes(std::u16string_view p, std::string_view b) override {
+  bool WriteParts(std::u16string_view p, std::span<const std::string_view> parts) override {
     Tick();
-    return inner_.WriteBytes(p, b);
+    return inner_.WriteParts(p, parts);
   }
   bool CreateDirectory(std::u16string_view p) override {
     Tick();

@@ -23,6 +23,20 @@ namespace {
 
 using Log = std::vector<std::u16string>;
 
+// Text collected in blocks of a few MiB. A single growing string would be copied each time it
+// outgrew itself, holding the old and the new copy at once: twice the package at the end.
+struct TextBlocks {
+  static constexpr size_t kBlockBytes = 4 << 20;
+  std::vector<std::string> blocks;
+
+  void Append(std::string_view text) {
+    if (blocks.empty() || blocks.back().size() + text.size() > blocks.back().capacity()) {
+      blocks.emplace_back().reserve(std::max(kBlockBytes, text.size()));
+    }
+    blocks.back() += text;
+  }
+};
+
 std::u16string Decimal(int64_t value) {
   return AsciiToWide(std::to_string(value));
 }
@@ -170,10 +184,10 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
   RenameDuplicates(geometry, log);
 
   // Records go to UTF-8 one by one, so the package is never held twice as wide text.
-  std::string objects;
+  TextBlocks objects;
   for (size_t i = 0; i < geometry.size(); ++i) {
-    objects += ToUtf8(ObjectRecord(context, state, *geometry[i], log));
-    objects += i + 1 < geometry.size() ? ",\n" : "\n";
+    objects.Append(ToUtf8(ObjectRecord(context, state, *geometry[i], log)));
+    objects.Append(i + 1 < geometry.size() ? ",\n" : "\n");
   }
   std::u16string sections = CollectLightsJson(context, files, log);
   sections += CollectCamerasJson(context, log);
@@ -188,9 +202,11 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
 
   BuildResult result;
   result.logLineCount = static_cast<int32_t>(log.size());
-  // Written in its three parts: the records, by far the largest, are never copied into one
-  // document.
-  const std::string_view document[] = {header, objects, tail};
+  // Written part by part: the records, by far the largest, are never copied into one document.
+  std::vector<std::string_view> document{header};
+  for (const std::string& block : objects.blocks)
+    document.push_back(block);
+  document.push_back(tail);
   if (!files.WriteParts(documentPath, document)) return result;
   result.success = true;
   result.objectCount = objectCount;

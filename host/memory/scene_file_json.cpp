@@ -89,7 +89,20 @@ uint32_t ReadIdPart(const json& value, const std::string& path) {
   return static_cast<uint32_t>(ReadInteger(value, path, 0, std::numeric_limits<uint32_t>::max()));
 }
 
+std::optional<std::array<float, 3>> PlainTriple(const json& value) {
+  if (!value.is_array() || value.size() != 3) return std::nullopt;
+  std::array<float, 3> triple{};
+  for (size_t k = 0; k < 3; ++k) {
+    if (!value[k].is_number()) return std::nullopt;
+    double number = value[k].get<double>();
+    if (std::fabs(number) > std::numeric_limits<float>::max()) return std::nullopt;
+    triple[k] = static_cast<float>(number);
+  }
+  return triple;
+}
+
 std::array<float, 3> ReadTriple(const json& value, const std::string& path) {
+  if (auto plain = PlainTriple(value)) return *plain;
   if (!value.is_array() || value.size() != 3) Fail(path, "expected an array of 3 numbers");
   return {ReadFloat(value[0], Element(path, 0)), ReadFloat(value[1], Element(path, 1)),
           ReadFloat(value[2], Element(path, 2))};

@@ -80,6 +80,10 @@ int ReadInt(const json& value, const std::string& path);
 // A 32-bit id part: an integer or a hexadecimal string such as "0x240".
 uint32_t ReadIdPart(const json& value, const std::string& path);
 
+// Three plain numbers in the range of a float, or nullopt. Scene files hold millions of them;
+// only an odd one is read again with its path, for the message.
+std::optional<std::array<float, 3>> PlainTriple(const json& value);
+
 std::array<float, 3> ReadTriple(const json& value, const std::string& path);
 
 Color ReadColor(const json& value, const std::string& path);

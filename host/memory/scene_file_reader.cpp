@@ -440,10 +440,16 @@ class Loader {
     Fields fields(value, path, {"vertices", "faces", "vertexColors", "colorFaces"});
     MemMesh mesh;
     mesh.vertices = ReadPointList(fields, "vertices");
-    const json& faces = RequireArray(fields.Get("faces"), fields.PathOf("faces"));
+    std::string facesPath = fields.PathOf("faces");
+    const json& faces = RequireArray(fields.Get("faces"), facesPath);
+    mesh.faces.reserve(faces.size());
     for (size_t f = 0; f < faces.size(); ++f) {
-      std::string facePath = Element(fields.PathOf("faces"), f);
       const json& face = faces[f];
+      if (auto plain = PlainFace(face, mesh.vertices.size())) {
+        mesh.faces.push_back(*plain);
+        continue;
+      }
+      std::string facePath = Element(facesPath, f);
       if (!face.is_array() || (face.size() != 3 && face.size() != 4)) {
         Fail(facePath, "expected [a, b, c] or [a, b, c, materialId]");
       }
@@ -474,9 +480,31 @@ class Loader {
     if (list == nullptr) return points;
     std::string path = fields.PathOf(key);
     RequireArray(*list, path);
-    for (size_t i = 0; i < list->size(); ++i)
-      points.push_back(ReadPoint3((*list)[i], Element(path, i)));
+    points.reserve(list->size());
+    for (size_t i = 0; i < list->size(); ++i) {
+      auto plain = PlainTriple((*list)[i]);
+      points.push_back(plain ? Point3{(*plain)[0], (*plain)[1], (*plain)[2]}
+                             : ReadPoint3((*list)[i], Element(path, i)));
+    }
     return points;
+  }
+
+  // A face of valid vertex indices and material id, or nullopt for one that needs reading with
+  // its path.
+  static std::optional<MeshFace> PlainFace(const json& face, size_t vertexCount) {
+    if (!face.is_array() || (face.size() != 3 && face.size() != 4)) return std::nullopt;
+    MeshFace plain;
+    for (size_t k = 0; k < face.size(); ++k) {
+      if (!face[k].is_number_unsigned()) return std::nullopt;
+      uint64_t number = face[k].get<uint64_t>();
+      if (k < 3 && (number >= vertexCount || number > INT32_MAX)) return std::nullopt;
+      if (k == 3 && number > 65535) return std::nullopt;
+      if (k < 3)
+        plain.v[k] = static_cast<int>(number);
+      else
+        plain.matId = static_cast<uint16_t>(number);
+    }
+    return plain;
   }
 
   std::array<int, 3> ReadIndices(const json& face, const std::string& path, size_t count,

@@ -29,6 +29,13 @@ std::u16string LowerAscii(std::u16string_view text);
 // For texts that are known to be ASCII (keys, numbers, fixed messages built at run time).
 std::u16string AsciiToWide(std::string_view ascii);
 
+#ifdef _WIN32
+// The text as Windows' wide functions take it: wchar_t is UTF-16 there, as char16_t is.
+inline std::wstring ToWindowsText(std::u16string_view text) {
+  return std::wstring(text.begin(), text.end());
+}
+#endif
+
 // Plain decimal, as numbers stand in the system's texts.
 template <std::integral Number>
 std::u16string Decimal(Number value) {

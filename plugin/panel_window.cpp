@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "base/wide_text.h"
 #include "host/interface.h"
 #include "pipeline/panel_logic.h"
 #include "plugin/logo.h"
@@ -25,10 +26,6 @@ namespace {
 // The panel's own state; one panel, one thread.
 PanelServices* gServices = nullptr;
 PanelState gPanelState;
-
-std::wstring Wide(std::u16string_view text) {
-  return std::wstring(text.begin(), text.end());
-}
 
 ProfileSettingsStore Settings() {
   return ProfileSettingsStore(
@@ -119,8 +116,8 @@ void Command(HWND dialog, Win32PanelView& view, int id, int notification) {
       if (shell.openLink) {
         shell.openLink(gServices->serviceUrl);
       } else {
-        ShellExecuteW(dialog, L"open", Wide(gServices->serviceUrl).c_str(), nullptr, nullptr,
-                      SW_SHOWNORMAL);
+        ShellExecuteW(dialog, L"open", ToWindowsText(gServices->serviceUrl).c_str(), nullptr,
+                      nullptr, SW_SHOWNORMAL);
       }
       break;
     case IDC_SEND: RunSendFromPanel(view, gPanelState, *gServices); break;

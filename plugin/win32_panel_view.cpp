@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "base/wide_text.h"
 #include "plugin/panel_resources.h"
 
 namespace orvane::plugin {
@@ -21,10 +22,6 @@ namespace {
 
 constexpr int kControlTextBuffer = 2048;
 
-std::wstring Wide(std::u16string_view text) {
-  return std::wstring(text.begin(), text.end());
-}
-
 }  // namespace
 
 std::u16string Win32PanelView::GetText(int controlId) {
@@ -34,7 +31,7 @@ std::u16string Win32PanelView::GetText(int controlId) {
 }
 
 void Win32PanelView::SetText(int controlId, std::u16string_view text) {
-  SetDlgItemTextW(dialog_, controlId, Wide(text).c_str());
+  SetDlgItemTextW(dialog_, controlId, ToWindowsText(text).c_str());
 }
 
 bool Win32PanelView::IsChecked(int controlId) {
@@ -80,7 +77,7 @@ MessageAnswer SystemMessageBox(HWND owner, std::u16string_view title, std::u16st
   UINT style = buttons == MessageButtons::kYesNo ? MB_YESNO : MB_OK;
   if (icon == MessageIcon::kWarning) style |= MB_ICONWARNING;
   if (icon == MessageIcon::kError) style |= MB_ICONERROR;
-  switch (MessageBoxW(owner, Wide(text).c_str(), Wide(title).c_str(), style)) {
+  switch (MessageBoxW(owner, ToWindowsText(text).c_str(), ToWindowsText(title).c_str(), style)) {
     case IDYES: return MessageAnswer::kYes;
     case IDNO: return MessageAnswer::kNo;
     default: return MessageAnswer::kOk;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "base/wide_text.h"
 #include "service/redirect.h"
 
 namespace orvane {
@@ -17,10 +18,6 @@ struct HandleCloser {
 };
 // Closed in reverse order of opening: request, connection, session.
 using Handle = std::unique_ptr<void, HandleCloser>;
-
-const wchar_t* Wide(const std::u16string& text) {
-  return reinterpret_cast<const wchar_t*>(text.c_str());
-}
 
 std::u16string LocationOf(HINTERNET request) {
   DWORD size = 0;
@@ -41,15 +38,15 @@ HttpExchange RequestOnce(HINTERNET session, const ParsedUrl& url, const std::u16
                          const std::vector<std::u16string>& headerLines, const std::string* body,
                          std::u16string& location) {
   HttpExchange exchange;
-  Handle connection(
-      WinHttpConnect(session, Wide(url.host), static_cast<INTERNET_PORT>(url.port), 0));
+  Handle connection(WinHttpConnect(session, ToWindowsText(url.host).c_str(),
+                                   static_cast<INTERNET_PORT>(url.port), 0));
   if (!connection) {
     exchange.outcome = HttpExchange::Outcome::kConnectFailed;
     return exchange;
   }
-  Handle request(WinHttpOpenRequest(connection.get(), Wide(method), Wide(url.path), nullptr,
-                                    WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES,
-                                    url.secure ? WINHTTP_FLAG_SECURE : 0));
+  Handle request(WinHttpOpenRequest(
+      connection.get(), ToWindowsText(method).c_str(), ToWindowsText(url.path).c_str(), nullptr,
+      WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES, url.secure ? WINHTTP_FLAG_SECURE : 0));
   if (!request) {
     exchange.outcome = HttpExchange::Outcome::kRequestFailed;
     return exchange;
@@ -59,7 +56,7 @@ HttpExchange RequestOnce(HINTERNET session, const ParsedUrl& url, const std::u16
   WinHttpSetOption(request.get(), WINHTTP_OPTION_DISABLE_FEATURE, &redirects, sizeof redirects);
   for (const std::u16string& line : headerLines) {
     std::u16string withEnd = line + u"\r\n";
-    WinHttpAddRequestHeaders(request.get(), Wide(withEnd), static_cast<DWORD>(-1L),
+    WinHttpAddRequestHeaders(request.get(), ToWindowsText(withEnd).c_str(), static_cast<DWORD>(-1L),
                              WINHTTP_ADDREQ_FLAG_ADD);
   }
   void* data = body != nullptr ? const_cast<char*>(body->data()) : WINHTTP_NO_REQUEST_DATA;
@@ -101,8 +98,7 @@ HttpExchange RequestOnce(HINTERNET session, const ParsedUrl& url, const std::u16
 HttpExchange WinHttpClient::Exchange(const ParsedUrl& url, std::u16string_view method,
                                      const std::vector<std::u16string>& headerLines,
                                      const std::string* body) {
-  std::u16string agent(kUserAgent);
-  Handle session(WinHttpOpen(Wide(agent), WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY,
+  Handle session(WinHttpOpen(ToWindowsText(kUserAgent).c_str(), WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY,
                              WINHTTP_NO_PROXY_NAME, WINHTTP_NO_PROXY_BYPASS, 0));
   if (!session) return {};  // kSessionFailed
 

@@ -8,17 +8,16 @@ objects="${OBJECTS:-10000}"
 cmake --preset release >/dev/null
 cmake --build --preset release --target orvane orvane-service >/dev/null
 work="$(mktemp -d)"
-service=""
-trap '[ -n "$service" ] && kill "$service" 2>/dev/null; rm -rf "$work"' EXIT
+source tools/emulator.sh
+trap 'kill "${emulator_pids[@]}" 2>/dev/null || true; rm -rf "$work"' EXIT
 build/release/orvane scene generate --objects "$objects" --textures "$work/textures" \
   -o "$work/scene.json" >/dev/null
-build/release/orvane-service --port 0 --account bench:1000:0 --data "$work/service" >"$work/service.out" 2>&1 &
-service=$!
-for _ in $(seq 1 50); do grep -q "listening on" "$work/service.out" 2>/dev/null && break; sleep 0.1; done
+start_emulator build/release/orvane-service "$work/service.out" --port 0 --account bench:1000:0 \
+  --data "$work/service"
 mkdir -p "$work/exchange"
 start=$(date +%s.%N)
 XDG_CONFIG_HOME="$work/config" ORVANE_TOKEN=bench build/release/orvane send "$work/scene.json" \
-  --exchange "$work/exchange" --service "$(head -n 1 "$work/service.out" | awk '{print $NF}')" \
+  --exchange "$work/exchange" --service "$emulator_address" \
   --timings | sed -n '/^timings/,$p'
 end=$(date +%s.%N)
 awk -v s="$start" -v e="$end" -v n="$objects" 'BEGIN {printf "whole command (scene load included): %.2f s for %d objects\n", e - s, n}'

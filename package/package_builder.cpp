@@ -37,10 +37,6 @@ struct TextBlocks {
   }
 };
 
-std::u16string Decimal(int64_t value) {
-  return AsciiToWide(std::to_string(value));
-}
-
 std::vector<host::INode*> GeometryWithMaterials(const WriteContext& context) {
   std::vector<host::INode*> geometry;
   for (host::INode* node : ListSceneNodes(context.scene)) {

@@ -65,6 +65,10 @@ void Win32PanelView::StopTimer(int timerId) {
 }
 
 void Win32PanelView::PumpMessages() {
+  PumpWaitingMessages();
+}
+
+void PumpWaitingMessages() {
   MSG message;
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
     TranslateMessage(&message);

@@ -30,6 +30,9 @@ class Win32PanelView final : public PanelView {
   const DesktopShell& shell_;
 };
 
+// Handles every window message waiting for this thread, then returns.
+void PumpWaitingMessages();
+
 // The system's message box, owned by `owner`.
 MessageAnswer SystemMessageBox(HWND owner, std::u16string_view title, std::u16string_view text,
                                MessageIcon icon, MessageButtons buttons);

@@ -7,6 +7,7 @@
 #include "plugin/windows_api.h"
 
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,17 +37,29 @@ void PrintNewMessages(PanelHarness& harness, size_t& shown) {
   }
 }
 
-// One step; false with a reason on stderr when it cannot be done.
+// A control id or a duration: digits only.
+std::optional<int> Number(const std::string& text) {
+  if (text.empty() || text.size() > 9 ||
+      text.find_first_not_of("0123456789") != std::string::npos) {
+    return std::nullopt;
+  }
+  return std::stoi(text);
+}
+
+// One step; false when it cannot be done.
 bool RunStep(PanelHarness& harness, const std::string& step) {
   size_t colon = step.find(':');
   std::string verb = step.substr(0, colon);
   std::string argument = colon == std::string::npos ? "" : step.substr(colon + 1);
   if (verb == "type") {
     size_t equals = argument.find('=');
-    if (equals == std::string::npos) return false;
-    harness.Type(std::stoi(argument.substr(0, equals)), FromUtf8(argument.substr(equals + 1)));
+    auto id = Number(argument.substr(0, equals));
+    if (equals == std::string::npos || !id) return false;
+    harness.Type(*id, FromUtf8(argument.substr(equals + 1)));
   } else if (verb == "click") {
-    harness.Click(std::stoi(argument));
+    auto id = Number(argument);
+    if (!id) return false;
+    harness.Click(*id);
   } else if (verb == "answer") {
     if (argument != "ok" && argument != "yes" && argument != "no") return false;
     harness.answers.push_back(argument == "yes"  ? MessageAnswer::kYes
@@ -58,9 +71,13 @@ bool RunStep(PanelHarness& harness, const std::string& step) {
     }
   } else if (verb == "hold") {
     // The panel stays up and alive for a while, for a person or a screenshot.
-    harness.PumpUntil([] { return false; }, std::stoi(argument));
+    auto milliseconds = Number(argument);
+    if (!milliseconds) return false;
+    harness.PumpUntil([] { return false; }, *milliseconds);
   } else if (verb == "print") {
-    std::cout << argument << ": " << ToUtf8(harness.Text(std::stoi(argument))) << "\n";
+    auto id = Number(argument);
+    if (!id) return false;
+    std::cout << argument << ": " << ToUtf8(harness.Text(*id)) << "\n";
   } else if (verb == "close") {
     harness.CloseBox();
   } else {

@@ -4,6 +4,7 @@
 
 #include "plugin/module_state.h"
 #include "plugin/panel_window.h"
+#include "plugin/win32_panel_view.h"
 
 namespace orvane::plugin {
 
@@ -116,11 +117,7 @@ int PanelHarness::Progress() const {
 bool PanelHarness::PumpUntil(const std::function<bool()>& done, int timeoutMs) {
   ULONGLONG deadline = GetTickCount64() + static_cast<ULONGLONG>(timeoutMs);
   for (;;) {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-      TranslateMessage(&message);
-      DispatchMessageW(&message);
-    }
+    PumpWaitingMessages();
     if (done()) return true;
     if (GetTickCount64() >= deadline) return false;
     MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);

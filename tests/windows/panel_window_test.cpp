@@ -15,6 +15,7 @@
 #include "service/service_config.h"
 #include "service/winhttp_client.h"
 #include "tests/temp_folder.h"
+#include "tests/windows/open_panels.h"
 #include "tests/windows/service_under_test.h"
 
 namespace orvane {
@@ -218,17 +219,7 @@ TEST_F(PanelWindow, ASecondOpeningRaisesTheFirstAndClosingStopsTheSpinners) {
   HWND first = Panel().Panel();
   Panel().Open();
   EXPECT_EQ(Panel().Panel(), first);
-  int dialogs = 0;
-  EnumThreadWindows(
-      GetCurrentThreadId(),
-      [](HWND window, LPARAM count) {
-        wchar_t name[16] = {};
-        GetClassNameW(window, name, 16);
-        if (std::wstring(name) == L"#32770") ++*reinterpret_cast<int*>(count);
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&dialogs));
-  EXPECT_EQ(dialogs, 1);
+  EXPECT_EQ(testing::OpenPanels(), 1);
 
   // Closed while a Refresh is out: the spinner stops with the panel, and the late answer finds
   // no panel and is dropped.

@@ -6,7 +6,11 @@
 
 #include <string>
 
+#include "tests/windows/open_panels.h"
+
 namespace {
+
+using orvane::testing::OpenPanels;
 
 using LibDescriptionFn = const MCHAR* (*)();
 using LibNumberClassesFn = int (*)();
@@ -18,23 +22,6 @@ using LibShutdownFn = int (*)();
 template <class Fn>
 Fn Export(HMODULE module, const char* name) {
   return reinterpret_cast<Fn>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-}
-
-// The open panels of this thread: dialogs captioned "Orvane Platform".
-int OpenPanels() {
-  int count = 0;
-  EnumThreadWindows(
-      GetCurrentThreadId(),
-      [](HWND window, LPARAM found) {
-        wchar_t caption[32] = {};
-        GetWindowTextW(window, caption, 32);
-        if (IsWindowVisible(window) && std::wstring(caption) == L"Orvane Platform") {
-          ++*reinterpret_cast<int*>(found);
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&count));
-  return count;
 }
 
 TEST(PluginModule, AnswersTheHostAsThePlugInContractAsks) {

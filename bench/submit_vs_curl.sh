@@ -10,8 +10,8 @@ cmake --preset release >/dev/null
 cmake --build --preset release --target orvane orvane-service >/dev/null
 
 work="$(mktemp -d)"
-service_pid=""
-trap 'kill "$service_pid" 2>/dev/null || true; rm -rf "$work"' EXIT
+source tools/emulator.sh
+trap 'kill "${emulator_pids[@]}" 2>/dev/null || true; rm -rf "$work"' EXIT
 package="$work/1.json"
 # A package-like body: many small object records.
 # (yes ends by SIGPIPE when head has enough, which pipefail would count as a failure.)
@@ -19,10 +19,9 @@ package="$work/1.json"
   head -c "$((size_mb * 1000 * 1000))" >"$package"
 bytes=$(stat -c %s "$package")
 
-build/release/orvane-service --port 0 --data "$work/data" --account bench:1000000 >"$work/service.out" &
-service_pid=$!
-for _ in $(seq 50); do grep -q listening "$work/service.out" && break; sleep 0.1; done
-url=$(awk '/listening/ {print $4}' "$work/service.out")
+start_emulator build/release/orvane-service "$work/service.out" --port 0 --data "$work/data" \
+  --account bench:1000000
+url="$emulator_address"
 
 measure() {  # prints "seconds peak_kib"
   /usr/bin/time -f "%e %M" -o "$work/time" "$@" >/dev/null 2>"$work/err" || { cat "$work/err"; exit 1; }

@@ -18,6 +18,7 @@
 #include "host/environment.h"
 #include "host/forwarding_file_system.h"
 #include "host/memory/scene_file.h"
+#include "host/memory/support_snapshot.h"
 #include "pipeline/ini_settings.h"
 #include "pipeline/panel_logic.h"
 #include "pipeline/scene_scripts.h"
@@ -159,8 +160,11 @@ int RunSend(const std::vector<std::string>& args, std::ostream& out, std::ostrea
   TracedFileSystem files(scene.files, tracing);
   PanelState state;
   NodeTreeState trees;
+  char16_t separator = static_cast<char16_t>(fs::path::preferred_separator);
+  auto snapshot = host::memory::SupportSnapshot::FromEnvironment(
+      scene, files, host::ReadProcessEnvironment, separator);
   SendContext context{
-      scene,
+      snapshot ? static_cast<host::Interface&>(*snapshot) : scene,
       files,
       http,
       panel,
@@ -174,7 +178,8 @@ int RunSend(const std::vector<std::string>& args, std::ostream& out, std::ostrea
                                          .count());
       },
       host::ReadProcessEnvironment,
-      static_cast<char16_t>(fs::path::preferred_separator)};
+      separator,
+      snapshot.get()};
   try {
     RunSendPipeline(context);
   } catch (const std::exception& error) {

@@ -194,8 +194,8 @@ std::optional<std::vector<float>> ReadCurve(const host::ICurveCtl* control, int 
   if (curve == nullptr) return std::nullopt;
   std::vector<float> samples;
   bool identity = true;
-  for (int i = 0; i <= 32; ++i) {
-    float x = static_cast<float>(i) * 0.03125f;
+  for (int i = 0; i < host::kCurveSampleCount; ++i) {
+    float x = host::CurveSampleX(i);
     float y = curve->GetValue(t, x);
     samples.push_back(y);
     identity = identity && std::fabs(y - x) <= 0.001953125f;

@@ -82,6 +82,12 @@ class BitmapTex {
   virtual StdUVGen* GetUVGen() const = 0;
 };
 
+// The x positions at which the core reads a colour-map curve: 0, 1/32, ... 1.
+inline constexpr int kCurveSampleCount = 33;
+constexpr float CurveSampleX(int index) {
+  return static_cast<float>(index) * 0.03125f;
+}
+
 // One curve of a curve control.
 class ICurve {
  public:

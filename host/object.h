@@ -22,8 +22,14 @@ class Mesh {
  public:
   virtual ~Mesh() = default;
   virtual int GetNumVerts() const = 0;
+  virtual Point3 GetVert(int index) const = 0;
   virtual int GetNumFaces() const = 0;
   virtual MeshFace GetFace(int index) const = 0;
+
+  virtual int GetNumVertCol() const = 0;
+  virtual Point3 GetVertCol(int index) const = 0;
+  virtual int GetNumVCFaces() const = 0;
+  virtual std::array<int, 3> GetVCFace(int face) const = 0;
 
   virtual void SetNumVertCol(int count) = 0;
   virtual void SetVertCol(int index, Point3 color) = 0;

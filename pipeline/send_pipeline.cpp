@@ -43,6 +43,11 @@ class SplineGuard {
 class Send {
  public:
   explicit Send(SendContext& context) : c_(context), panel_(context.panel) {}
+  ~Send() {
+    if (c_.observer != nullptr) c_.observer->SendEnded(jobName_);
+  }
+  Send(const Send&) = delete;
+  Send& operator=(const Send&) = delete;
 
   void Run() {
     std::optional<std::u16string> token = CheckToken();
@@ -114,7 +119,8 @@ class Send {
   void Prepare(const std::u16string& token) {
     Progress(8, u"Preparing job folder...");
     std::u16string sceneName = SceneNameFromFile(c_.scene.GetCurFileName());
-    std::u16string jobName = sceneName + u"_" + TickCode(c_.tickCount());
+    jobName_ = sceneName + u"_" + TickCode(c_.tickCount());
+    const std::u16string& jobName = jobName_;
     std::u16string jobFolder = folder_ + c_.separator + jobName;
     c_.files.CreateDirectory(jobFolder);
     c_.files.CreateDirectory(jobFolder + c_.separator + u"textures");
@@ -130,6 +136,8 @@ class Send {
     if (vray.attempted && vray.succeeded) {
       Progress(17, u"V-Ray converted: " + Decimal(vray.converted) + u" objects");
     }
+
+    if (c_.observer != nullptr) c_.observer->SceneReady();
 
     Progress(20, u"Deduplicating material names...");
     std::vector<MtlRestoreEntry> renames = DeduplicateMaterialNames(c_.scene);
@@ -215,6 +223,7 @@ class Send {
   SendContext& c_;
   PanelView& panel_;
   std::u16string folder_;
+  std::u16string jobName_;
 };
 
 }  // namespace

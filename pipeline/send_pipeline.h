@@ -19,6 +19,16 @@
 
 namespace orvane {
 
+// Told what support needs to replay a send: when the scene is as the export will see it (the
+// host's own preparation scripts have run, the core's renames have not), and when the send is
+// over, however it ended (`jobName` is empty when no job was begun).
+class SendObserver {
+ public:
+  virtual ~SendObserver() = default;
+  virtual void SceneReady() = 0;
+  virtual void SendEnded(std::u16string_view jobName) noexcept = 0;
+};
+
 struct SendContext {
   host::Interface& scene;
   host::FileSystem& files;
@@ -33,6 +43,7 @@ struct SendContext {
   // Between the Exchange Folder and the job name: "\" on Windows; off Windows the host file
   // system's own. Kept even when the folder text already ends in one.
   char16_t separator = u'\\';
+  SendObserver* observer = nullptr;
 };
 
 void RunSendPipeline(SendContext& context);

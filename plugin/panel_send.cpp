@@ -1,11 +1,14 @@
 #include "host/environment.h"
+#include "host/memory/support_snapshot.h"
 #include "pipeline/send_pipeline.h"
 #include "plugin/panel_services.h"
 
 namespace orvane::plugin {
 
 void RunSendFromPanel(PanelView& panel, PanelState& state, PanelServices& services) {
-  SendContext context{*services.scene,
+  auto snapshot = host::memory::SupportSnapshot::FromEnvironment(
+      *services.scene, *services.files, host::ReadProcessEnvironment, u'\\');
+  SendContext context{snapshot ? static_cast<host::Interface&>(*snapshot) : *services.scene,
                       *services.files,
                       *services.http,
                       panel,
@@ -15,7 +18,8 @@ void RunSendFromPanel(PanelView& panel, PanelState& state, PanelServices& servic
                       services.dashboardUrl,
                       services.tickCount,
                       host::ReadProcessEnvironment,
-                      u'\\'};
+                      u'\\',
+                      snapshot.get()};
   RunSendPipeline(context);
 }
 

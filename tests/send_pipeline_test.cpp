@@ -10,6 +10,7 @@
 
 #include "host/forwarding_file_system.h"
 #include "host/memory/scene_file.h"
+#include "host/memory/support_snapshot.h"
 #include "pipeline/scene_scripts.h"
 #include "pipeline/send_pipeline.h"
 #include "tests/recording_panel.h"
@@ -127,8 +128,9 @@ class SendPipeline : public ::testing::Test {
   }
   void TearDown() override { fs::remove_all(exchange_); }
 
-  void Send(host::FileSystem* files = nullptr) {
-    SendContext context{*scene_,
+  void Send(host::FileSystem* files = nullptr,
+            host::memory::SupportSnapshot* snapshot = nullptr) {
+    SendContext context{snapshot != nullptr ? static_cast<host::Interface&>(*snapshot) : *scene_,
                         files != nullptr ? *files : scene_->files,
                         service_,
                         panel_,
@@ -138,7 +140,8 @@ class SendPipeline : public ::testing::Test {
                         kDashboard,
                         [] { return kTicks; },
                         [this](std::u16string_view) { return vrayConvert_; },
-                        u'/'};
+                        u'/',
+                        snapshot};
     RunSendPipeline(context);
   }
   fs::path JobFolder() const { return exchange_ / ("my_scene.v2_" + ToUtf8(TickCode(kTicks))); }
@@ -454,6 +457,59 @@ TEST(SendNames, SceneNamesAndTickCodes) {
   // Only the lowest eight base-36 digits count.
   uint64_t eightDigits = 36ull * 36 * 36 * 36 * 36 * 36 * 36 * 36;
   EXPECT_EQ(TickCode(eightDigits + 37), TickCode(37));
+}
+
+}  // namespace
+}  // namespace orvane
+
+namespace orvane {
+namespace {
+
+TEST_F(SendPipeline, ASupportSnapshotReplaysToTheSameJob) {
+  fs::path support = exchange_ / "support";
+  host::memory::SupportSnapshot snapshot(*scene_, scene_->files, support.u16string(), u'/');
+  Send(nullptr, &snapshot);
+  std::string sent = service_.jobBody;
+  std::vector<std::string> statuses = Statuses();
+  ASSERT_EQ(panel_.texts[control::kStatusLine1], u"Done  OK  Objects: 2");
+
+  // Beside the job, not in it; named after it.
+  fs::path file = support / ("my_scene.v2_" + ToUtf8(TickCode(kTicks)) + ".scene.json");
+  ASSERT_TRUE(fs::is_regular_file(file));
+  for (const auto& entry : fs::recursive_directory_iterator(JobFolder()))
+    EXPECT_FALSE(entry.path().string().ends_with(".scene.json")) << entry.path();
+
+  auto replayed = host::memory::LoadSceneFile(file);
+  ASSERT_TRUE(replayed.scene) << replayed.error;
+  scene_ = std::move(replayed.scene);
+  panel_.events.clear();
+  service_.jobBody.clear();
+  trees_ = NodeTreeState{};  // as in a fresh session, where support replays
+  Send();
+  EXPECT_EQ(service_.jobBody, sent);
+  EXPECT_EQ(Statuses(), statuses);
+  // Copied before the send gave the materials safe names.
+  EXPECT_EQ(scene_->materials().front()->GetName(), u"Brick Wall");
+}
+
+TEST_F(SendPipeline, ASupportSnapshotNeverStandsInTheSendsWay) {
+  // No job begun: nothing to replay, nothing written.
+  fs::path support = exchange_ / "support";
+  host::memory::SupportSnapshot early(*scene_, scene_->files, support.u16string(), u'/');
+  panel_.texts[control::kToken] = u" ";
+  Send(nullptr, &early);
+  EXPECT_FALSE(fs::exists(support));
+
+  // A folder that cannot be made is reported in the host's log; the send goes through.
+  std::ofstream(exchange_ / "blocked") << "a file";
+  host::memory::SupportSnapshot blocked(*scene_, scene_->files,
+                                        (exchange_ / "blocked").u16string(), u'/');
+  panel_.texts[control::kToken] = u"tok";
+  Send(nullptr, &blocked);
+  EXPECT_EQ(panel_.texts[control::kStatusLine1], u"Done  OK  Objects: 2");
+  ASSERT_FALSE(scene_->log.empty());
+  EXPECT_EQ(scene_->log.back().type, host::SYSLOG_WARN);
+  EXPECT_NE(scene_->log.back().text.find(u"could not be written"), std::u16string::npos);
 }
 
 }  // namespace

@@ -86,7 +86,8 @@ float MemCurve::GetValue(TimeValue, float x) const {
   if (x <= points.front().first) return points.front().second;
   for (size_t i = 1; i < points.size(); ++i) {
     auto [x1, y1] = points[i];
-    if (x <= x1) {
+    if (x == x1) return y1;  // exact at a point, whatever the rounding of the slope
+    if (x < x1) {
       auto [x0, y0] = points[i - 1];
       return x1 == x0 ? y1 : y0 + (y1 - y0) * (x - x0) / (x1 - x0);
     }

@@ -205,8 +205,17 @@ class MemMesh final : public Mesh {
   int cacheInvalidations = 0;
 
   int GetNumVerts() const override { return static_cast<int>(vertices.size()); }
+  Point3 GetVert(int index) const override { return vertices.at(static_cast<size_t>(index)); }
   int GetNumFaces() const override { return static_cast<int>(faces.size()); }
   MeshFace GetFace(int index) const override { return faces.at(static_cast<size_t>(index)); }
+  int GetNumVertCol() const override { return static_cast<int>(vertexColors.size()); }
+  Point3 GetVertCol(int index) const override {
+    return vertexColors.at(static_cast<size_t>(index));
+  }
+  int GetNumVCFaces() const override { return static_cast<int>(colorFaces.size()); }
+  std::array<int, 3> GetVCFace(int face) const override {
+    return colorFaces.at(static_cast<size_t>(face));
+  }
   void SetNumVertCol(int count) override;
   void SetVertCol(int index, Point3 color) override;
   void SetNumVCFaces(int count) override;

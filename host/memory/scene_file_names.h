@@ -19,6 +19,17 @@ inline constexpr std::pair<std::string_view, int> kParamTypes[] = {
     {"index", TYPE_INDEX},       {"matrix3", TYPE_MATRIX3}, {"frgba", TYPE_FRGBA},
 };
 
+// Whether a parameter of this base type holds a value the core can read; the format writes
+// null for the others ("bitmap", and types it has no name for).
+constexpr bool ParamTypeHoldsValue(int baseType) {
+  for (int type : {TYPE_FLOAT, TYPE_INT, TYPE_RGBA, TYPE_POINT3, TYPE_BOOL, TYPE_ANGLE,
+                   TYPE_PCNT_FRAC, TYPE_WORLD, TYPE_STRING, TYPE_FILENAME, TYPE_MTL, TYPE_TEXMAP,
+                   TYPE_INODE, TYPE_REFTARG, TYPE_INDEX, TYPE_MATRIX3, TYPE_FRGBA}) {
+    if (type == baseType) return true;
+  }
+  return false;
+}
+
 inline constexpr std::pair<std::string_view, SClass_ID> kSuperClasses[] = {
     {"geometry", GEOMOBJECT_CLASS_ID},
     {"camera", CAMERA_CLASS_ID},

@@ -544,10 +544,15 @@ class Loader {
     MemParam param;
     const json& name = fields.Get("name");
     if (!name.is_null()) param.name = ReadText(name, fields.PathOf("name"));
-    param.type = ReadParamType(fields.Get("type"), fields.PathOf("type"));
+    const json& type = fields.Get("type");
+    bool byCode = type.is_number_integer();
+    param.type = byCode ? static_cast<ParamType2>(ReadInteger(type, fields.PathOf("type"), 0,
+                                                              std::numeric_limits<int>::max()))
+                        : ReadParamType(type, fields.PathOf("type"));
     const json& paramValue = fields.Get("value");
     std::string valuePath = fields.PathOf("value");
-    int baseType = param.type & ~TYPE_TAB;
+    // A type given by its code holds no readable value, whatever the code.
+    int baseType = byCode ? -1 : param.type & ~TYPE_TAB;
     if ((param.type & TYPE_TAB) != 0) {
       RequireArray(paramValue, valuePath);
       for (size_t i = 0; i < paramValue.size(); ++i) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -66,9 +67,17 @@ json IdOf(const Animatable* animatable) {
   return data != nullptr ? json(data->id) : json(nullptr);
 }
 
-std::string ParamTypeName(ParamType2 type) {
-  std::string name = NameOf(kParamTypes, static_cast<int>(type & ~TYPE_TAB));
-  return (type & TYPE_TAB) != 0 ? name + "_tab" : name;
+// The type's name; its code when the format has no name for it, or when the host refused one
+// of its values (the code then reads back as a parameter that refuses every read).
+json ParamTypeJson(const MemParam& param) {
+  int baseType = param.type & ~TYPE_TAB;
+  std::string name = NameOf(kParamTypes, baseType);
+  bool refused = ParamTypeHoldsValue(baseType) &&
+                 std::any_of(param.elements.begin(), param.elements.end(), [](const auto& e) {
+                   return std::holds_alternative<std::monostate>(e);
+                 });
+  if (name.empty() || refused) return static_cast<int>(param.type);
+  return (param.type & TYPE_TAB) != 0 ? name + "_tab" : name;
 }
 
 json ElementJson(const ParamElement& element, int baseType) {
@@ -100,7 +109,7 @@ json ElementJson(const ParamElement& element, int baseType) {
 json ParamJson(const MemParam& param) {
   json out;
   out["name"] = param.name ? json(Utf8(*param.name)) : json(nullptr);
-  out["type"] = ParamTypeName(param.type);
+  out["type"] = ParamTypeJson(param);
   int baseType = param.type & ~TYPE_TAB;
   if ((param.type & TYPE_TAB) != 0) {
     json values = json::array();

@@ -6,6 +6,12 @@
 namespace orvane::plugin {
 
 void RunSendFromPanel(PanelView& panel, PanelState& state, PanelServices& services) {
+  struct EndOfSend {
+    const std::function<void()>& sendEnded;
+    ~EndOfSend() {
+      if (sendEnded) sendEnded();
+    }
+  } endOfSend{services.sendEnded};
   auto snapshot = host::memory::SupportSnapshot::FromEnvironment(
       *services.scene, *services.files, host::ReadProcessEnvironment, u'\\');
   SendContext context{snapshot ? static_cast<host::Interface&>(*snapshot) : *services.scene,

@@ -43,6 +43,9 @@ struct PanelServices {
   std::u16string dashboardUrl;
   std::function<uint64_t()> tickCount;
   DesktopShell shell;
+  // Called when a send is over, however it ended: the host adapter lets go of what it knew of
+  // the scene, which the user may change before the next send.
+  std::function<void()> sendEnded;
 };
 
 // "Export && Send" on the panel's thread.

@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <functional>
 #include <map>
-#include <set>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -106,17 +106,17 @@ std::string SnapshotText(MemScene& scene) {
 // Every scene the tests and examples bring, and one generated scene.
 std::vector<fs::path> Scenes(const fs::path& scratch) {
   std::vector<fs::path> scenes;
-  for (const fs::path& folder : {fs::path(ORVANE_SOURCE_DIR) / "examples",
-                                 fs::path(ORVANE_TEST_DATA) / "packages"}) {
+  for (const fs::path& folder :
+       {fs::path(ORVANE_SOURCE_DIR) / "examples", fs::path(ORVANE_TEST_DATA) / "packages"}) {
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
       if (entry.path().string().ends_with(".scene.json")) scenes.push_back(entry.path());
     }
   }
   fs::path generated = scratch / "generated.scene.json";
   std::ostringstream out, err;
-  EXPECT_EQ(cli::RunOrvane({"scene", "generate", "--objects", "300", "--seed", "7", "-o",
-                            generated.string()},
-                           out, err),
+  EXPECT_EQ(cli::RunOrvane(
+                {"scene", "generate", "--objects", "300", "--seed", "7", "-o", generated.string()},
+                out, err),
             0)
       << err.str();
   scenes.push_back(generated);

@@ -128,8 +128,7 @@ class SendPipeline : public ::testing::Test {
   }
   void TearDown() override { fs::remove_all(exchange_); }
 
-  void Send(host::FileSystem* files = nullptr,
-            host::memory::SupportSnapshot* snapshot = nullptr) {
+  void Send(host::FileSystem* files = nullptr, host::memory::SupportSnapshot* snapshot = nullptr) {
     SendContext context{snapshot != nullptr ? static_cast<host::Interface&>(*snapshot) : *scene_,
                         files != nullptr ? *files : scene_->files,
                         service_,
@@ -502,8 +501,8 @@ TEST_F(SendPipeline, ASupportSnapshotNeverStandsInTheSendsWay) {
 
   // A folder that cannot be made is reported in the host's log; the send goes through.
   std::ofstream(exchange_ / "blocked") << "a file";
-  host::memory::SupportSnapshot blocked(*scene_, scene_->files,
-                                        (exchange_ / "blocked").u16string(), u'/');
+  host::memory::SupportSnapshot blocked(*scene_, scene_->files, (exchange_ / "blocked").u16string(),
+                                        u'/');
   panel_.texts[control::kToken] = u"tok";
   Send(nullptr, &blocked);
   EXPECT_EQ(panel_.texts[control::kStatusLine1], u"Done  OK  Objects: 2");

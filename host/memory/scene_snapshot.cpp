@@ -242,10 +242,9 @@ class SceneSnapshot::Copier {
     NamePath(bitmap.mapName);
     if (float gamma = 0; from.GetBitmapGamma(t_, gamma)) bitmap.loadedGamma = gamma;
     if (const StdUVGen* uv = from.GetUVGen()) {
-      bitmap.uvGen = UVGenData{uv->GetUScl(t_),           uv->GetVScl(t_),
-                               uv->GetUOffs(t_),          uv->GetVOffs(t_),
-                               uv->GetWAng(t_),           uv->GetTextureTiling(),
-                               uv->GetMapChannel()};
+      bitmap.uvGen =
+          UVGenData{uv->GetUScl(t_), uv->GetVScl(t_),        uv->GetUOffs(t_),   uv->GetVOffs(t_),
+                    uv->GetWAng(t_), uv->GetTextureTiling(), uv->GetMapChannel()};
     }
     return bitmap;
   }
@@ -310,8 +309,8 @@ class SceneSnapshot::Copier {
       case TYPE_POINT3: return Read<Point3>(block, index, tabIndex, &IParamBlock2::GetPoint3);
       case TYPE_STRING:
       case TYPE_FILENAME: {
-        ParamElement text = Read<std::optional<std::u16string>>(block, index, tabIndex,
-                                                                &IParamBlock2::GetString);
+        ParamElement text =
+            Read<std::optional<std::u16string>>(block, index, tabIndex, &IParamBlock2::GetString);
         if (auto* path = std::get_if<std::optional<std::u16string>>(&text); path && *path)
           NamePath(**path);
         return text;

@@ -1,5 +1,6 @@
-// The host's part for the plug-in module built against the SDK stand-ins: an empty in-memory
-// scene whose settings folder is the temporary folder, and WinHTTP.
+// The host's part for the plug-in module built against the SDK stand-ins: a core interface that
+// has no main window, and for the panel an empty in-memory scene whose settings folder is the
+// temporary folder, and WinHTTP.
 #include <filesystem>
 #include <memory>
 
@@ -8,6 +9,37 @@
 #include "plugin/host_services.h"
 #include "service/service_config.h"
 #include "service/winhttp_client.h"
+
+// Included after the host's own headers: the SDK's macros carry some of their names.
+#include <max.h>
+
+namespace {
+
+// Only the main window is ever asked for, by the utility when it opens the panel.
+class TestInterface final : public Interface {
+ public:
+  HWND GetMAXHWnd() const override { return nullptr; }
+  TimeValue GetTime() override { return 0; }
+  INode* GetRootNode() override { return nullptr; }
+  const MCHAR* GetDir(int) override { return L""; }
+  MSTR& GetCurFileName() override { return name_; }
+  MSTR& GetCurFilePath() override { return name_; }
+  BOOL ExportToFile(const MCHAR*, BOOL, DWORD, Class_ID*) override { return FALSE; }
+  Point3 GetBackGround(TimeValue, Interval&) override { return {}; }
+  BOOL GetUseEnvironmentMap() override { return FALSE; }
+  Texmap* GetEnvironmentMap() override { return nullptr; }
+  LogSys* Log() override { return nullptr; }
+
+ private:
+  MSTR name_;
+};
+
+}  // namespace
+
+Interface* GetCOREInterface() {
+  static TestInterface core;
+  return &core;
+}
 
 namespace orvane::plugin {
 

@@ -34,6 +34,9 @@ std::u16string AsciiToWide(std::string_view ascii);
 inline std::wstring ToWindowsText(std::u16string_view text) {
   return std::wstring(text.begin(), text.end());
 }
+inline std::u16string FromWindowsText(std::wstring_view text) {
+  return std::u16string(text.begin(), text.end());
+}
 #endif
 
 // Plain decimal, as numbers stand in the system's texts.

@@ -74,7 +74,7 @@ std::optional<std::u16string> SystemFolderPicker(HWND owner) {
   bool converted = SHGetPathFromIDListW(items, path);
   CoTaskMemFree(items);
   if (!converted) return std::nullopt;
-  return std::u16string(reinterpret_cast<const char16_t*>(path));
+  return FromWindowsText(path);
 }
 
 void Initialise(HWND dialog, Win32PanelView& view) {

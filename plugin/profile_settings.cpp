@@ -16,7 +16,7 @@ std::u16string ProfileSettingsStore::Read(std::u16string_view key) {
   wchar_t value[kValueBuffer] = {};
   DWORD length = GetPrivateProfileStringW(kSection, ToWindowsText(key).c_str(), L"", value,
                                           kValueBuffer, ToWindowsText(file_).c_str());
-  return std::u16string(reinterpret_cast<const char16_t*>(value), length);
+  return FromWindowsText(std::wstring_view(value, length));
 }
 
 void ProfileSettingsStore::Write(std::u16string_view key, std::u16string_view value) {

@@ -27,7 +27,7 @@ constexpr int kControlTextBuffer = 2048;
 std::u16string Win32PanelView::GetText(int controlId) {
   wchar_t text[kControlTextBuffer] = {};
   UINT length = GetDlgItemTextW(dialog_, controlId, text, kControlTextBuffer);
-  return std::u16string(reinterpret_cast<const char16_t*>(text), length);
+  return FromWindowsText(std::wstring_view(text, length));
 }
 
 void Win32PanelView::SetText(int controlId, std::u16string_view text) {

@@ -43,8 +43,7 @@ inline MSTR SdkClassName(::Animatable* animatable) {
 
 // MCHAR is wchar_t, UTF-16 on Windows like the core's text. A null SDK string reads as empty.
 inline std::u16string Text(const MCHAR* text) {
-  return text != nullptr ? std::u16string(reinterpret_cast<const char16_t*>(text))
-                         : std::u16string();
+  return text != nullptr ? FromWindowsText(text) : std::u16string();
 }
 inline std::wstring SdkText(std::u16string_view text) {
   return ToWindowsText(text);

@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include "base/wide_text.h"
 #include "plugin/module_state.h"
 #include "plugin/panel_window.h"
 #include "plugin/win32_panel_view.h"
@@ -99,7 +100,7 @@ std::u16string PanelHarness::Text(int controlId) const {
   std::wstring text(static_cast<size_t>(GetWindowTextLengthW(control)) + 1, L'\0');
   text.resize(
       static_cast<size_t>(GetWindowTextW(control, text.data(), static_cast<int>(text.size()))));
-  return std::u16string(text.begin(), text.end());
+  return FromWindowsText(text);
 }
 
 bool PanelHarness::Checked(int controlId) const {

@@ -6,9 +6,11 @@
 class BitmapStorage {
  public:
   float Gamma() const;
+  float gamma = 1;  // the stand-in's own storage
 };
 
 class Bitmap {
  public:
   BitmapStorage* Storage();
+  BitmapStorage storage;  // the stand-in's own storage
 };

@@ -31,12 +31,14 @@ enum ParamType2 : int {
 #define TYPE_TAB 0x800
 
 struct ParamDef {
+  ParamID ID;
   const MCHAR* int_name;
   ParamType2 type;
 };
 
 class ParamBlockDesc2 {
  public:
+  ParamDef* paramdefs;
   USHORT count;
   USHORT Count();
   const ParamDef* GetParamDefByIndex(const unsigned int i) const;

@@ -58,6 +58,8 @@ class Matrix3 {
   Matrix3(const Point3& u, const Point3& v, const Point3& n, const Point3& t);
   Point3 GetRow(int i) const;
   const Point3& GetTrans() const;
+
+  Point3 rows[4];  // the stand-in's own storage
 };
 
 class Interval {
@@ -110,6 +112,7 @@ class Face {
  public:
   DWORD v[3];
   MtlID getMatID();
+  MtlID matID = 0;  // the stand-in's own storage
 };
 
 class TVFace {
@@ -120,10 +123,11 @@ class TVFace {
 
 class Mesh {
  public:
-  Point3* verts;
-  Face* faces;
-  Point3* vertCol;
-  TVFace* vcFace;
+  int numVerts = 0, numFaces = 0, numCVerts = 0;
+  Point3* verts = nullptr;
+  Face* faces = nullptr;
+  Point3* vertCol = nullptr;
+  TVFace* vcFace = nullptr;
   int getNumVerts() const;
   Point3& getVert(int i);
   int getNumFaces() const;
@@ -168,6 +172,7 @@ class MtlBase : public ReferenceTarget {
  public:
   MSTR& GetName();
   void SetName(MSTR s);
+  MSTR name;  // the stand-in's own storage
   virtual int NumSubTexmaps();
   virtual Texmap* GetSubTexmap(int i);
   virtual MSTR GetSubTexmapSlotName(int i, bool localized);

@@ -38,25 +38,34 @@ ScriptResult SupportSnapshot::ExecuteMAXScriptScript(std::u16string_view script,
   return result;
 }
 
+// The snapshot is for support: whatever goes wrong with it is logged and never stops the send.
+template <class Step>
+void SupportSnapshot::Guarded(std::u16string_view failure, Step step) noexcept {
+  try {
+    step();
+  } catch (const std::exception& error) {
+    snapshot_.reset();
+    host_.Log(SYSLOG_WARN, kLogTitle, std::u16string(failure) + FromUtf8(error.what()));
+  }
+}
+
 Animatable* SupportSnapshot::GetAnimByHandle(AnimHandle handle) {
   Animatable* found = host_.GetAnimByHandle(handle);
   // A replay must find it too, though nothing in the scene may lead to it.
-  if (found != nullptr && snapshot_) snapshot_->Add(*found);
+  if (found != nullptr && snapshot_) {
+    Guarded(u"The support snapshot was not taken: ", [&] { snapshot_->Add(*found); });
+  }
   return found;
 }
 
 void SupportSnapshot::SceneReady() {
-  snapshot_ = std::make_unique<SceneSnapshot>(host_);
+  Guarded(u"The support snapshot was not taken: ",
+          [&] { snapshot_ = std::make_unique<SceneSnapshot>(host_); });
 }
 
 void SupportSnapshot::SendEnded(std::u16string_view jobName) noexcept {
   if (!snapshot_ || jobName.empty()) return;
-  try {
-    Write(jobName);
-  } catch (const std::exception& error) {
-    host_.Log(SYSLOG_WARN, kLogTitle,
-              u"The support snapshot was not written: " + FromUtf8(error.what()));
-  }
+  Guarded(u"The support snapshot was not written: ", [&] { Write(jobName); });
 }
 
 void SupportSnapshot::Write(std::u16string_view jobName) {

@@ -67,6 +67,8 @@ class SupportSnapshot final : public Interface, public SendObserver {
 
  private:
   void Write(std::u16string_view jobName);
+  template <class Step>
+  void Guarded(std::u16string_view failure, Step step) noexcept;
 
   Interface& host_;
   FileSystem& files_;

@@ -1,6 +1,7 @@
 #include "graph/node_tree.h"
 
 #include <limits>
+#include <optional>
 #include <set>
 
 #include "base/wide_text.h"
@@ -25,6 +26,7 @@ class TreeWriter {
       : context_(context), state_(state) {}
 
   std::u16string Write(const host::MtlBase* object, int depth);
+  int refsWritten() const { return refs_; }
 
  private:
   std::u16string WriteMultiTexture(const host::MtlBase& map, const std::u16string& indent,
@@ -41,6 +43,7 @@ class TreeWriter {
 
   const WriteContext& context_;
   NodeTreeState& state_;
+  int refs_ = 0;
 };
 
 std::u16string TreeWriter::Write(const host::MtlBase* object, int depth) {
@@ -51,6 +54,7 @@ std::u16string TreeWriter::Write(const host::MtlBase* object, int depth) {
   if (handle != 0) {
     auto seen = state_.visited.find(handle);
     if (seen != state_.visited.end() && seen->second != kNoId) {
+      ++refs_;
       return indent + u"{ \"ref\": " + Decimal(seen->second) + u" }";
     }
   }
@@ -208,6 +212,70 @@ void TreeWriter::WriteLayers(const host::Mtl& material, const std::u16string& in
   }
 }
 
+constexpr std::u16string_view kIdKeys[] = {u"\"node_id\": ", u"{ \"ref\": "};
+
+// The template of `text`, a tree just written from counter `base`: every id is found after the
+// writer's own "node_id" and "ref" keys. Nullopt unless exactly the ids the writer wrote are
+// found (a member of the same name would add one).
+std::optional<TreeTemplate> MakeTemplate(const std::u16string& text, uint32_t base,
+                                         const NodeTreeState& state, int refs) {
+  TreeTemplate made;
+  made.idCount = state.nodeCounter - base;
+  size_t start = 0, nodeIds = 0;
+  for (;;) {
+    size_t at = std::u16string::npos, keyLength = 0;
+    for (std::u16string_view key : kIdKeys) {
+      size_t found = text.find(key, start);
+      if (found < at) at = found, keyLength = key.size();
+    }
+    if (at == std::u16string::npos) break;
+    if (keyLength == kIdKeys[0].size()) ++nodeIds;
+    size_t digits = at + keyLength, end = digits;
+    uint64_t id = 0;
+    while (end < text.size() && text[end] >= u'0' && text[end] <= u'9' && end - digits < 10)
+      id = id * 10 + (text[end++] - u'0');
+    if (end == digits || id <= base || id > state.nodeCounter) return std::nullopt;
+    made.text.append(text, start, digits - start);
+    made.ids.push_back({made.text.size(), static_cast<uint32_t>(id - base)});
+    start = end;
+  }
+  if (nodeIds != made.idCount || made.ids.size() != nodeIds + static_cast<size_t>(refs)) {
+    return std::nullopt;
+  }
+  made.text.append(text, start);
+  for (const auto& [handle, id] : state.visited)
+    made.visited.emplace_back(handle, id - base);
+  return made;
+}
+
+void AppendDecimal(std::u16string& out, uint32_t value) {
+  char16_t digits[10];
+  int count = 0;
+  do {
+    digits[count++] = static_cast<char16_t>(u'0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  while (count > 0)
+    out += digits[--count];
+}
+
+std::u16string Render(const TreeTemplate& tree, NodeTreeState& state) {
+  uint32_t base = state.nodeCounter;
+  std::u16string text;
+  text.reserve(tree.text.size() + 8 * tree.ids.size());
+  size_t copied = 0;
+  for (const TreeTemplate::Id& id : tree.ids) {
+    text.append(tree.text, copied, id.at - copied);
+    AppendDecimal(text, base + id.offset);
+    copied = id.at;
+  }
+  text.append(tree.text, copied);
+  state.nodeCounter += tree.idCount;
+  for (const auto& [handle, offset] : tree.visited)
+    state.visited.emplace(handle, base + offset);
+  return text;
+}
+
 }  // namespace
 
 void ResetVisitedNodes(NodeTreeState& state) {
@@ -216,7 +284,19 @@ void ResetVisitedNodes(NodeTreeState& state) {
 
 std::u16string WriteNodeTree(const WriteContext& context, NodeTreeState& state,
                              const host::MtlBase* object, int depth) {
-  return TreeWriter(context, state).Write(object, depth);
+  if (context.trees == nullptr || object == nullptr || !state.visited.empty())
+    return TreeWriter(context, state).Write(object, depth);
+  auto& cache = context.trees->byRoot;
+  auto key = std::make_pair(object, depth);
+  if (auto found = cache.find(key); found != cache.end()) {
+    if (found->second) return Render(*found->second, state);
+    return TreeWriter(context, state).Write(object, depth);
+  }
+  uint32_t base = state.nodeCounter;
+  TreeWriter writer(context, state);
+  std::u16string text = writer.Write(object, depth);
+  cache.emplace(key, MakeTemplate(text, base, state, writer.refsWritten()));
+  return text;
 }
 
 }  // namespace orvane

@@ -1,9 +1,11 @@
 // What every parameter writer needs from the scene besides the object it writes.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "host/interface.h"
@@ -29,11 +31,33 @@ struct ParamFragments {
   std::unordered_map<const host::MtlBase*, std::vector<std::u16string>> byObject;
 };
 
+// A whole tree written from a fresh start (no node visited yet) depends only on the scene and on
+// where the node counter stood, so within a build each tree is written once: later uses shift
+// its ids. `text` is the tree without its ids; each id is kept with the place it goes, and each
+// id and visited node as its distance from the counter before the tree.
+struct TreeTemplate {
+  struct Id {
+    size_t at = 0;
+    uint32_t offset = 0;
+  };
+  std::u16string text;
+  std::vector<Id> ids;
+  uint32_t idCount = 0;
+  std::vector<std::pair<host::AnimHandle, uint32_t>> visited;
+};
+
+// By root object and depth; nullopt for a tree whose ids could not all be accounted for, which
+// is then written afresh every time.
+struct TreeTemplates {
+  std::map<std::pair<const host::MtlBase*, int>, std::optional<TreeTemplate>> byRoot;
+};
+
 struct WriteContext {
   host::Interface& scene;
   host::TimeValue time = 0;
   ProbeReplies* probes = nullptr;    // null: every probe runs
   ParamFragments* params = nullptr;  // null: parameters are written afresh every time
+  TreeTemplates* trees = nullptr;    // null: every tree is written afresh
 };
 
 }  // namespace orvane

@@ -170,9 +170,11 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
   NumericLocaleGuard numbers;
   ProbeReplies probes;
   ParamFragments params;
+  TreeTemplates trees;
   WriteContext context{caller.scene, caller.time,
                        caller.probes != nullptr ? caller.probes : &probes,
-                       caller.params != nullptr ? caller.params : &params};
+                       caller.params != nullptr ? caller.params : &params,
+                       caller.trees != nullptr ? caller.trees : &trees};
   Log log;
   std::vector<host::INode*> geometry = GeometryWithMaterials(context);
   log.push_back(u"Geometry objects with materials: " +

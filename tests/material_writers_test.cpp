@@ -274,6 +274,40 @@ TEST(NodeTree, IdsKeepRisingAcrossTreesAndResets) {
   EXPECT_EQ(WriteNodeTree(context, state, nullptr, 3), u"null");
 }
 
+// Trees written again from their templates equal trees written afresh, ids, references and
+// the visited nodes included, whichever trees came between.
+TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
+  auto loaded = host::memory::LoadSceneText(R"({"format": "orvane-scene/1",
+    "materials": [
+      {"id": "multi", "class": "Multimaterial", "name": "Multi", "subMaterials": ["a", "a", "b"]},
+      {"id": "a", "class": "VRayMtl", "name": "A", "slots": [{"name": "texmap_diffuse", "map": "loop"},
+                                                          {"name": "texmap_bump", "map": "loop"}]},
+      {"id": "b", "class": "Foo", "name": "B",
+       "params": [[{"name": "level", "type": "int", "value": 3}]]}],
+    "maps": [{"id": "loop", "class": "Mix", "name": "Loop", "slots": [{"name": "map1", "map": "loop"}]}]})",
+                                            ".");
+  ASSERT_TRUE(loaded.scene) << loaded.error;
+  MemScene& scene = *loaded.scene;
+  auto* multi = dynamic_cast<host::MtlBase*>(scene.FindById("multi"));
+  auto* a = dynamic_cast<host::MtlBase*>(scene.FindById("a"));
+  auto* b = dynamic_cast<host::MtlBase*>(scene.FindById("b"));
+  const std::pair<host::MtlBase*, int> order[] = {{multi, 2}, {a, 3}, {multi, 2}, {b, 2},
+                                                  {a, 3},     {b, 2}, {multi, 3}, {a, 3}};
+  TreeTemplates templates;
+  WriteContext cached{scene, 0, nullptr, nullptr, &templates};
+  WriteContext afresh{scene, 0};
+  NodeTreeState cachedState, afreshState;
+  for (const auto& [root, depth] : order) {
+    ResetVisitedNodes(cachedState);
+    ResetVisitedNodes(afreshState);
+    EXPECT_EQ(WriteNodeTree(cached, cachedState, root, depth),
+              WriteNodeTree(afresh, afreshState, root, depth));
+    EXPECT_EQ(cachedState.nodeCounter, afreshState.nodeCounter);
+    EXPECT_EQ(cachedState.visited, afreshState.visited);
+  }
+  EXPECT_TRUE(templates.byRoot.at({multi, 2}).has_value());
+}
+
 // A map with handle 77 whose probes the scene answers with `reply`.
 struct ProbedMap {
   explicit ProbedMap(const std::string& reply, const std::string& extra = "") {

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "graph/param_lookup.h"
+#include "host/memory/scene_file_json.h"
 
 namespace orvane::host::memory {
 namespace {
@@ -170,6 +171,53 @@ constexpr char kFullScene[] = R"json({
   "files": {"C:\\ies\\lamp.ies": "lamp.ies"},
   "export": "writesNothing"
 })json";
+
+// Texts where a fast parser and nlohmann could differ: both parses give one result.
+TEST(SceneFile, TheFastParseAgreesWithNlohmannsOwn) {
+  const char* texts[] = {"[-0]",
+                         "[-0.0]",
+                         "[0]",
+                         "[-1e-400]",
+                         "[1e309]",
+                         "[1E400]",
+                         "[18446744073709551615]",
+                         "[18446744073709551616]",
+                         "[9223372036854775808]",
+                         "[-9223372036854775809]",
+                         "[01]",
+                         "[1.5e3]",
+                         R"(["\ud800"])",
+                         R"(["\udc00x"])",
+                         R"(["\ud83d\ude00"])",
+                         R"(["\u0000"])",
+                         "\xEF\xBB\xBF{}",
+                         R"({"a": 1, "a": 2})",
+                         R"({"a": {"b": 1}, "b": [true, null]})",
+                         "[\"\xC3\x28\"]",
+                         "[\"\xF0\x9F\x98\x80\"]",
+                         "{} x",
+                         "",
+                         " ",
+                         "[1,]",
+                         "[\"a\tb\"]"};
+  auto outcome = [](auto parse, std::string_view text) -> std::optional<json> {
+    try {
+      return parse(text);
+    } catch (const json::exception&) {
+    } catch (const SceneFileError&) {
+    }
+    return std::nullopt;
+  };
+  for (const char* text : texts) {
+    auto fast = outcome(ParseStrictly, text);
+    auto portable = outcome(ParseStrictlyWithNlohmann, text);
+    ASSERT_EQ(fast.has_value(), portable.has_value()) << text;
+    if (fast) {
+      EXPECT_EQ(*fast, *portable) << text;
+      EXPECT_EQ(fast->dump(), portable->dump()) << text;
+    }
+  }
+}
 
 TEST(SceneFile, WritingALoadedSceneAndLoadingItAgainGivesTheSameScene) {
   SceneLoadResult first = LoadSceneText(kFullScene, ".");

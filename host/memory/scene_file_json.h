@@ -104,6 +104,8 @@ auto ReadName(const Table& table, const json& value, const std::string& path,
 
 // The whole text as JSON; a duplicate key or a NUL byte is a fault like any syntax error.
 json ParseStrictly(std::string_view text);
+// The same parse by nlohmann alone, without the fast path; a fuzzer holds the two to one result.
+json ParseStrictlyWithNlohmann(std::string_view text);
 
 // nlohmann's message without its "[json.exception...]" tag.
 std::string DescribeJsonError(const json::exception& error);

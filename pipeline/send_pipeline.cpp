@@ -120,8 +120,7 @@ class Send {
     Progress(8, u"Preparing job folder...");
     std::u16string sceneName = SceneNameFromFile(c_.scene.GetCurFileName());
     jobName_ = sceneName + u"_" + TickCode(c_.tickCount());
-    const std::u16string& jobName = jobName_;
-    std::u16string jobFolder = folder_ + c_.separator + jobName;
+    std::u16string jobFolder = folder_ + c_.separator + jobName_;
     c_.files.CreateDirectory(jobFolder);
     c_.files.CreateDirectory(jobFolder + c_.separator + u"textures");
 
@@ -190,10 +189,10 @@ class Send {
     Progress(78, u"Package ready. Objects: " + Decimal(built.objectCount));
 
     Progress(88, u"Sending to server...");
-    HttpResult sent = SubmitJob(c_.http, c_.files, c_.serviceUrl, packagePath, token, jobName,
+    HttpResult sent = SubmitJob(c_.http, c_.files, c_.serviceUrl, packagePath, token, jobName_,
                                 BlenderTargetOf(panel_));
     removal.Now();
-    Report(sent, built.objectCount, jobName);
+    Report(sent, built.objectCount, jobName_);
     Reenable();
   }
 

@@ -123,12 +123,17 @@ std::vector<fs::path> Scenes(const fs::path& scratch) {
   return scenes;
 }
 
+// The scene with every feature, then the texts of all the others.
+std::vector<std::string> SceneTexts(const fs::path& scratch) {
+  std::vector<std::string> texts{kEverything};
+  for (const fs::path& scene : Scenes(scratch))
+    texts.push_back(testing::FileContents(scene));
+  return texts;
+}
+
 TEST(SceneSnapshot, IsWrittenTheSameOnceWrittenOnce) {
   testing::TempFolder scratch("orvane-snapshot");
-  std::vector<std::string> texts{kEverything};
-  for (const fs::path& scene : Scenes(scratch.path))
-    texts.push_back(testing::FileContents(scene));
-  for (const std::string& text : texts) {
+  for (const std::string& text : SceneTexts(scratch.path)) {
     std::unique_ptr<MemScene> original = Load(text);
     ASSERT_TRUE(original);
     std::string once = SnapshotText(*original);
@@ -220,10 +225,7 @@ nlohmann::json Comparable(const std::string& text) {
 
 TEST(SceneSnapshot, HoldsWhatTheSceneFileHeld) {
   testing::TempFolder scratch("orvane-snapshot");
-  std::vector<std::string> texts{kEverything};
-  for (const fs::path& scene : Scenes(scratch.path))
-    texts.push_back(testing::FileContents(scene));
-  for (const std::string& text : texts) {
+  for (const std::string& text : SceneTexts(scratch.path)) {
     std::unique_ptr<MemScene> original = Load(text);
     ASSERT_TRUE(original);
     nlohmann::json held = Comparable(WriteSceneText(*original));

@@ -77,31 +77,22 @@ bool MaxParamBlock::GetString(int index, TimeValue t, std::optional<std::u16stri
 
 bool MaxParamBlock::GetReference(int index, TimeValue t, host::Animatable*& value,
                                  int tabIndex) const {
+  // Reads the SDK pointer of the parameter's own type and hands back its wrapper.
+  auto read = [&](auto* sdk, auto wrap) {
+    if (!Read(block_, Id(index), t, sdk, tabIndex)) return false;
+    value = wrap(sdk);
+    return true;
+  };
   switch (BaseType(index)) {
-    case TYPE_MTL: {
-      ::Mtl* material = nullptr;
-      if (!Read(block_, Id(index), t, material, tabIndex)) return false;
-      value = objects_.Material(material);
-      return true;
-    }
-    case TYPE_TEXMAP: {
-      ::Texmap* map = nullptr;
-      if (!Read(block_, Id(index), t, map, tabIndex)) return false;
-      value = objects_.Map(map);
-      return true;
-    }
-    case TYPE_INODE: {
-      ::INode* node = nullptr;
-      if (!Read(block_, Id(index), t, node, tabIndex)) return false;
-      value = objects_.Node(node);
-      return true;
-    }
-    case TYPE_REFTARG: {
-      ::ReferenceTarget* target = nullptr;
-      if (!Read(block_, Id(index), t, target, tabIndex)) return false;
-      value = objects_.Any(target);
-      return true;
-    }
+    case TYPE_MTL:
+      return read(static_cast<::Mtl*>(nullptr), [&](::Mtl* m) { return objects_.Material(m); });
+    case TYPE_TEXMAP:
+      return read(static_cast<::Texmap*>(nullptr), [&](::Texmap* m) { return objects_.Map(m); });
+    case TYPE_INODE:
+      return read(static_cast<::INode*>(nullptr), [&](::INode* n) { return objects_.Node(n); });
+    case TYPE_REFTARG:
+      return read(static_cast<::ReferenceTarget*>(nullptr),
+                  [&](::ReferenceTarget* r) { return objects_.Any(r); });
     default: return false;
   }
 }

@@ -226,46 +226,41 @@ void RejectNulBytes(std::string_view text) {
 // or reads differently from nlohmann goes through the strict parse below instead, which gives
 // the exact message: a duplicate key (simdjson keeps both), and -0 (simdjson reads a double,
 // nlohmann an integer). Integers that are not negative are nlohmann's unsigned kind.
-class FastCopy {
- public:
-  bool Copy(simdjson::dom::element from, json& to) {
-    switch (from.type()) {
-      case simdjson::dom::element_type::OBJECT: {
-        to = json::object();
-        for (simdjson::dom::key_value_pair member : simdjson::dom::object(from)) {
-          auto [slot, inserted] = to.emplace(std::string(member.key), json());
-          if (!inserted || !Copy(member.value, slot.value())) return false;
-        }
-        return true;
+bool CopyFast(simdjson::dom::element from, json& to) {
+  switch (from.type()) {
+    case simdjson::dom::element_type::OBJECT: {
+      to = json::object();
+      for (simdjson::dom::key_value_pair member : simdjson::dom::object(from)) {
+        auto [slot, inserted] = to.emplace(std::string(member.key), json());
+        if (!inserted || !CopyFast(member.value, slot.value())) return false;
       }
-      case simdjson::dom::element_type::ARRAY: {
-        to = json::array();
-        for (simdjson::dom::element item : simdjson::dom::array(from)) {
-          to.push_back(json());
-          if (!Copy(item, to.back())) return false;
-        }
-        return true;
-      }
-      case simdjson::dom::element_type::INT64: {
-        int64_t value = int64_t(from);
-        to = value >= 0 ? json(static_cast<uint64_t>(value)) : json(value);
-        return true;
-      }
-      case simdjson::dom::element_type::UINT64: to = uint64_t(from); return true;
-      case simdjson::dom::element_type::DOUBLE: {
-        double value = double(from);
-        to = value;
-        return !(value == 0 && std::signbit(value));
-      }
-      case simdjson::dom::element_type::STRING:
-        to = std::string(std::string_view(from));
-        return true;
-      case simdjson::dom::element_type::BOOL: to = bool(from); return true;
-      case simdjson::dom::element_type::NULL_VALUE: to = nullptr; return true;
+      return true;
     }
-    return false;
+    case simdjson::dom::element_type::ARRAY: {
+      to = json::array();
+      for (simdjson::dom::element item : simdjson::dom::array(from)) {
+        to.push_back(json());
+        if (!CopyFast(item, to.back())) return false;
+      }
+      return true;
+    }
+    case simdjson::dom::element_type::INT64: {
+      int64_t value = int64_t(from);
+      to = value >= 0 ? json(static_cast<uint64_t>(value)) : json(value);
+      return true;
+    }
+    case simdjson::dom::element_type::UINT64: to = uint64_t(from); return true;
+    case simdjson::dom::element_type::DOUBLE: {
+      double value = double(from);
+      to = value;
+      return !(value == 0 && std::signbit(value));
+    }
+    case simdjson::dom::element_type::STRING: to = std::string(std::string_view(from)); return true;
+    case simdjson::dom::element_type::BOOL: to = bool(from); return true;
+    case simdjson::dom::element_type::NULL_VALUE: to = nullptr; return true;
   }
-};
+  return false;
+}
 
 std::optional<json> ParseFast(std::string_view text) {
   simdjson::dom::parser parser;
@@ -273,7 +268,7 @@ std::optional<json> ParseFast(std::string_view text) {
   simdjson::dom::element root;
   if (parser.parse(padded).get(root) != simdjson::SUCCESS) return std::nullopt;
   json copy;
-  if (!FastCopy().Copy(root, copy)) return std::nullopt;
+  if (!CopyFast(root, copy)) return std::nullopt;
   return copy;
 }
 #endif

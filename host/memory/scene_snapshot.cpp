@@ -42,6 +42,13 @@ class SceneSnapshot::Copier {
     scene_->useEnvironmentMap = host_.GetUseEnvironmentMap();
   }
 
+  // The copy already made of `from`, or null.
+  template <class T>
+  T* Known(const Animatable& from) const {
+    auto found = copies_.find(&from);
+    return found != copies_.end() ? static_cast<T*>(found->second) : nullptr;
+  }
+
   std::string NextId(const char* prefix) { return prefix + std::to_string(++idCount_); }
 
   // Registers `copy` as the copy of `from` and copies what every animatable has.
@@ -82,8 +89,7 @@ class SceneSnapshot::Copier {
   }
 
   MemNode* CopyNodeReference(INode& from) {
-    if (auto found = copies_.find(&from); found != copies_.end())
-      return static_cast<MemNode*>(found->second);
+    if (auto* known = Known<MemNode>(from)) return known;
     // Outside the hierarchy: kept as a child of the root so that nothing named is lost.
     return &AddNode(from, nullptr);
   }
@@ -109,8 +115,7 @@ class SceneSnapshot::Copier {
   // --- Objects and modifiers ---
 
   Object* CopyObject(Object& from) {
-    if (auto found = copies_.find(&from); found != copies_.end())
-      return static_cast<Object*>(found->second);
+    if (auto* known = Known<Object>(from)) return known;
     if (IDerivedObject* derived = from.AsDerivedObject()) return CopyDerived(*derived);
     MemObject& copy = scene_->AddObject(NextId("object"));
     CopyCommon(from, copy);
@@ -133,8 +138,7 @@ class SceneSnapshot::Copier {
   }
 
   Modifier* CopyModifier(Modifier& from) {
-    if (auto found = copies_.find(&from); found != copies_.end())
-      return static_cast<Modifier*>(found->second);
+    if (auto* known = Known<Modifier>(from)) return known;
     MemModifier& copy = scene_->AddModifier(NextId("modifier"));
     CopyCommon(from, copy);
     CopyBlocks(from, copy.data);
@@ -177,8 +181,7 @@ class SceneSnapshot::Copier {
   // --- Materials and maps ---
 
   Mtl* CopyMaterial(Mtl& from) {
-    if (auto found = copies_.find(&from); found != copies_.end())
-      return static_cast<Mtl*>(found->second);
+    if (auto* known = Known<Mtl>(from)) return known;
     MemMtl& copy = scene_->AddMaterial(NextId("material"));
     // Registered before anything it refers to is copied: materials and maps may form cycles.
     CopyCommon(from, copy);
@@ -223,8 +226,7 @@ class SceneSnapshot::Copier {
   }
 
   Texmap* CopyMap(Texmap& from) {
-    if (auto found = copies_.find(&from); found != copies_.end())
-      return static_cast<Texmap*>(found->second);
+    if (auto* known = Known<Texmap>(from)) return known;
     MemTexmap& copy = scene_->AddMap(NextId("map"));
     CopyCommon(from, copy);
     copy.name = from.GetName();

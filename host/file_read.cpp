@@ -3,6 +3,8 @@
 #include <fstream>
 #include <system_error>
 
+#include "base/huge_pages.h"
+
 namespace orvane::host {
 
 namespace fs = std::filesystem;
@@ -20,7 +22,7 @@ FileReadError Refusal(const fs::file_status& status) {
 
 }  // namespace
 
-FileRead ReadRegularFile(const fs::path& path, uint64_t maxBytes) {
+FileRead ReadRegularFile(const fs::path& path, uint64_t maxBytes, size_t spareCapacity) {
   std::error_code error;
   fs::file_status status = fs::status(path, error);
   if (error && status.type() != fs::file_type::not_found) return {{}, FileReadError::kUnreadable};
@@ -34,13 +36,20 @@ FileRead ReadRegularFile(const fs::path& path, uint64_t maxBytes) {
   if (!in) return {{}, FileReadError::kUnreadable};
   // Read until the end rather than trusting the size: the file may change while it is read.
   std::string bytes;
-  bytes.reserve(static_cast<size_t>(size));
+  bytes.reserve(static_cast<size_t>(size) + spareCapacity);
+  AdviseHugePages(bytes.data(), bytes.capacity());
+  bytes.resize(static_cast<size_t>(size));
+  in.read(bytes.data(), static_cast<std::streamsize>(size));
+  bytes.resize(static_cast<size_t>(in.gcount()));
   char chunk[64 * 1024];
-  while (in.read(chunk, sizeof chunk) || in.gcount() > 0) {
+  while (in && (in.read(chunk, sizeof chunk) || in.gcount() > 0)) {
+    if (bytes.size() + static_cast<size_t>(in.gcount()) > maxBytes) {
+      return {{}, FileReadError::kTooLarge};
+    }
     bytes.append(chunk, static_cast<size_t>(in.gcount()));
-    if (bytes.size() > maxBytes) return {{}, FileReadError::kTooLarge};
   }
   if (in.bad()) return {{}, FileReadError::kUnreadable};
+  bytes.reserve(bytes.size() + spareCapacity);  // only reallocates if the file grew
   return {std::move(bytes), FileReadError::kNone};
 }
 

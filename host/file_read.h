@@ -18,7 +18,10 @@ struct FileRead {
   FileReadError error = FileReadError::kNone;
 };
 
-FileRead ReadRegularFile(const std::filesystem::path& path, uint64_t maxBytes);
+// spareCapacity: bytes the returned text keeps allocated beyond its end, for parsers that read
+// past it in wide steps.
+FileRead ReadRegularFile(const std::filesystem::path& path, uint64_t maxBytes,
+                         size_t spareCapacity = 0);
 
 // "does not exist", "is a folder, not a file", … — to follow the path in a message.
 std::string DescribeFileReadError(FileReadError error);

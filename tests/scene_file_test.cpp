@@ -200,21 +200,19 @@ TEST(SceneFile, TheFastParseAgreesWithNlohmannsOwn) {
                          " ",
                          "[1,]",
                          "[\"a\tb\"]"};
-  auto outcome = [](auto parse, std::string_view text) -> std::optional<json> {
+  auto outcome = [](auto parse, std::string_view text) -> std::optional<JsonDocument> {
     try {
       return parse(text);
-    } catch (const json::exception&) {
     } catch (const SceneFileError&) {
     }
     return std::nullopt;
   };
   for (const char* text : texts) {
-    auto fast = outcome(ParseStrictly, text);
+    auto fast = outcome([](std::string_view json) { return ParseStrictly(json); }, text);
     auto portable = outcome(ParseStrictlyWithNlohmann, text);
     ASSERT_EQ(fast.has_value(), portable.has_value()) << text;
     if (fast) {
-      EXPECT_EQ(*fast, *portable) << text;
-      EXPECT_EQ(fast->dump(), portable->dump()) << text;
+      EXPECT_EQ(fast->root(), portable->root()) << text;
     }
   }
 }

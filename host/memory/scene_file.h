@@ -20,7 +20,9 @@ struct SceneLoadResult {
 
 // Loading is all or nothing: a scene with any error yields no scene at all. Paths in the
 // scene's "files" table are relative to `folder` (the scene file's folder).
-SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path& folder);
+// readableBeyond: bytes after the text that may be read; see kParsePadding.
+SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path& folder,
+                              size_t readableBeyond = 0);
 SceneLoadResult LoadSceneFile(const std::filesystem::path& file);
 
 // The scene as it is now (after whatever the core changed), in the same format.

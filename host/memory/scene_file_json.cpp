@@ -11,11 +11,11 @@
 #include <set>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "base/wide_text.h"
 
 namespace orvane::host::memory {
-
-using json = nlohmann::json;
 
 std::string Member(const std::string& path, std::string_view key) {
   return path.empty() ? std::string(key) : path + "." + std::string(key);
@@ -25,39 +25,39 @@ std::string Element(const std::string& path, size_t index) {
   return path + "[" + std::to_string(index) + "]";
 }
 
-const json& RequireArray(const json& value, const std::string& path) {
-  if (!value.is_array()) Fail(path, "expected an array");
+JsonValue RequireArray(JsonValue value, const std::string& path) {
+  if (!value.IsArray()) Fail(path, "expected an array");
   return value;
 }
 
-std::string ReadString(const json& value, const std::string& path) {
-  if (!value.is_string()) Fail(path, "expected a string");
-  return value.get<std::string>();
+std::string ReadString(JsonValue value, const std::string& path) {
+  if (!value.IsString()) Fail(path, "expected a string");
+  return std::string(value.String());
 }
 
-std::u16string ReadText(const json& value, const std::string& path) {
+std::u16string ReadText(JsonValue value, const std::string& path) {
   return FromUtf8(ReadString(value, path));
 }
 
-bool ReadBool(const json& value, const std::string& path) {
-  if (!value.is_boolean()) Fail(path, "expected true or false");
-  return value.get<bool>();
+bool ReadBool(JsonValue value, const std::string& path) {
+  if (!value.IsBool()) Fail(path, "expected true or false");
+  return value.Bool();
 }
 
-double ReadDouble(const json& value, const std::string& path) {
-  if (!value.is_number()) Fail(path, "expected a number");
-  return value.get<double>();
+double ReadDouble(JsonValue value, const std::string& path) {
+  if (!value.IsNumber()) Fail(path, "expected a number");
+  return value.Double();
 }
 
 // JSON has no infinities or NaN; the scene file writes them as "inf", "-inf" and "nan".
-float ReadFloat(const json& value, const std::string& path) {
-  if (value.is_number()) {
-    double number = value.get<double>();
+float ReadFloat(JsonValue value, const std::string& path) {
+  if (value.IsNumber()) {
+    double number = value.Double();
     if (std::fabs(number) > std::numeric_limits<float>::max()) Fail(path, "out of range");
     return static_cast<float>(number);
   }
-  if (value.is_string()) {
-    const auto& text = value.get_ref<const std::string&>();
+  if (value.IsString()) {
+    std::string_view text = value.String();
     if (text == "nan") return std::numeric_limits<float>::quiet_NaN();
     if (text == "inf") return std::numeric_limits<float>::infinity();
     if (text == "-inf") return -std::numeric_limits<float>::infinity();
@@ -65,66 +65,66 @@ float ReadFloat(const json& value, const std::string& path) {
   Fail(path, "expected a number");
 }
 
-int64_t ReadInteger(const json& value, const std::string& path, int64_t low, int64_t high) {
-  if (!value.is_number_integer()) Fail(path, "expected an integer");
-  if (value.is_number_unsigned() && value.get<uint64_t>() > static_cast<uint64_t>(high)) {
+int64_t ReadInteger(JsonValue value, const std::string& path, int64_t low, int64_t high) {
+  if (!value.IsInteger()) Fail(path, "expected an integer");
+  if (value.IsUnsigned() && value.Unsigned() > static_cast<uint64_t>(high)) {
     Fail(path, "out of range");
   }
-  auto number = value.get<int64_t>();
+  int64_t number = value.IsUnsigned() ? static_cast<int64_t>(value.Unsigned()) : value.Signed();
   if (number < low || number > high) Fail(path, "out of range");
   return number;
 }
 
-int ReadInt(const json& value, const std::string& path) {
+int ReadInt(JsonValue value, const std::string& path) {
   return static_cast<int>(ReadInteger(value, path, std::numeric_limits<int32_t>::min(),
                                       std::numeric_limits<int32_t>::max()));
 }
 
 // A 32-bit id part: an integer or a hexadecimal string such as "0x240".
-uint32_t ReadIdPart(const json& value, const std::string& path) {
-  if (value.is_string()) {
-    const auto& text = value.get_ref<const std::string&>();
+uint32_t ReadIdPart(JsonValue value, const std::string& path) {
+  if (value.IsString()) {
+    std::string_view text = value.String();
     if (text.size() > 2 && text.size() <= 10 && text[0] == '0' &&
         (text[1] == 'x' || text[1] == 'X') &&
-        text.find_first_not_of("0123456789abcdefABCDEF", 2) == std::string::npos) {
-      return static_cast<uint32_t>(std::stoul(text.substr(2), nullptr, 16));
+        text.find_first_not_of("0123456789abcdefABCDEF", 2) == std::string_view::npos) {
+      return static_cast<uint32_t>(std::stoul(std::string(text.substr(2)), nullptr, 16));
     }
     Fail(path, "expected an integer or a hexadecimal text such as \"0x240\"");
   }
   return static_cast<uint32_t>(ReadInteger(value, path, 0, std::numeric_limits<uint32_t>::max()));
 }
 
-std::optional<std::array<float, 3>> PlainTriple(const json& value) {
-  if (!value.is_array() || value.size() != 3) return std::nullopt;
+std::optional<std::array<float, 3>> PlainTriple(JsonValue value) {
+  if (!value.IsArray() || value.size() != 3) return std::nullopt;
   std::array<float, 3> triple{};
   for (size_t k = 0; k < 3; ++k) {
-    if (!value[k].is_number()) return std::nullopt;
-    double number = value[k].get<double>();
+    if (!value[k].IsNumber()) return std::nullopt;
+    double number = value[k].Double();
     if (std::fabs(number) > std::numeric_limits<float>::max()) return std::nullopt;
     triple[k] = static_cast<float>(number);
   }
   return triple;
 }
 
-std::array<float, 3> ReadTriple(const json& value, const std::string& path) {
+std::array<float, 3> ReadTriple(JsonValue value, const std::string& path) {
   if (auto plain = PlainTriple(value)) return *plain;
-  if (!value.is_array() || value.size() != 3) Fail(path, "expected an array of 3 numbers");
+  if (!value.IsArray() || value.size() != 3) Fail(path, "expected an array of 3 numbers");
   return {ReadFloat(value[0], Element(path, 0)), ReadFloat(value[1], Element(path, 1)),
           ReadFloat(value[2], Element(path, 2))};
 }
 
-Color ReadColor(const json& value, const std::string& path) {
+Color ReadColor(JsonValue value, const std::string& path) {
   auto [r, g, b] = ReadTriple(value, path);
   return {r, g, b};
 }
 
-Point3 ReadPoint3(const json& value, const std::string& path) {
+Point3 ReadPoint3(JsonValue value, const std::string& path) {
   auto [x, y, z] = ReadTriple(value, path);
   return {x, y, z};
 }
 
-Matrix3 ReadMatrix(const json& value, const std::string& path) {
-  if (!value.is_array() || value.size() != 4) Fail(path, "expected an array of 4 rows");
+Matrix3 ReadMatrix(JsonValue value, const std::string& path) {
+  if (!value.IsArray() || value.size() != 4) Fail(path, "expected an array of 4 rows");
   Matrix3 matrix;
   for (size_t row = 0; row < 4; ++row)
     matrix.rows[row] = ReadPoint3(value[row], Element(path, row));
@@ -133,56 +133,77 @@ Matrix3 ReadMatrix(const json& value, const std::string& path) {
 
 namespace {
 
-// Builds the document as nlohmann's own parser does, and rejects a duplicate key (which
-// nlohmann would silently let the last one win) with its JSON path. The path is only spelt out
-// on failure: building it for every container would cost time in proportion to the depth.
-class StrictDomBuilder {
- public:
-  explicit StrictDomBuilder(json& root) : dom_(root) {}
+using json = nlohmann::json;
 
-  bool null() { return CountElement() && dom_.null(); }
-  bool boolean(bool value) { return CountElement() && dom_.boolean(value); }
+// Builds the document from nlohmann's parse events, and rejects a duplicate key (which nlohmann
+// would silently let the last one win) with its JSON path. The path is only spelt out on failure:
+// building it for every container would cost time in proportion to the depth.
+class StrictDocumentBuilder {
+ public:
+  bool null() {
+    CountElement();
+    document_.Null();
+    return true;
+  }
+  bool boolean(bool value) {
+    CountElement();
+    document_.Bool(value);
+    return true;
+  }
   bool number_integer(json::number_integer_t value) {
-    return CountElement() && dom_.number_integer(value);
+    CountElement();
+    if (value >= 0) {  // -0, which simdjson reads as plain 0
+      document_.Unsigned(static_cast<uint64_t>(value));
+    } else {
+      document_.Signed(value);
+    }
+    return true;
   }
   bool number_unsigned(json::number_unsigned_t value) {
-    return CountElement() && dom_.number_unsigned(value);
+    CountElement();
+    document_.Unsigned(value);
+    return true;
   }
-  bool number_float(json::number_float_t value, const std::string& text) {
-    return CountElement() && dom_.number_float(value, text);
+  bool number_float(json::number_float_t value, const std::string&) {
+    CountElement();
+    document_.Double(value);
+    return true;
   }
-  bool string(std::string& value) { return CountElement() && dom_.string(value); }
-  bool binary(json::binary_t& value) { return CountElement() && dom_.binary(value); }
-  bool start_object(size_t size) {
+  bool string(std::string& value) {
+    CountElement();
+    document_.String(value);
+    return true;
+  }
+  bool binary(json::binary_t&) { return false; }  // JSON text holds none
+  bool start_object(size_t) {
     CountElement();
     frames_.push_back({true, {}, {}, 0});
-    return dom_.start_object(size);
+    document_.StartObject();
+    return true;
   }
   bool key(std::string& name) {
     Frame& object = frames_.back();
-    if (!object.keys.insert(name).second) {
-      object.key = name;
-      Fail(Path(), "duplicate key");
-    }
     object.key = name;
-    return dom_.key(name);
+    if (!object.keys.insert(name).second) Fail(Path(), "duplicate key");
+    document_.Key(name);
+    return true;
   }
-  bool end_object() {
-    frames_.pop_back();
-    return dom_.end_object();
-  }
-  bool start_array(size_t size) {
+  bool end_object() { return End(); }
+  bool start_array(size_t) {
     CountElement();
     frames_.push_back({false, {}, {}, 0});
-    return dom_.start_array(size);
+    document_.StartArray();
+    return true;
   }
-  bool end_array() {
-    frames_.pop_back();
-    return dom_.end_array();
+  bool end_array() { return End(); }
+  bool parse_error(size_t, const std::string&, const json::exception& error) {
+    // nlohmann's messages start with an "[json.exception...]" tag that means nothing to a user.
+    std::string message = error.what();
+    auto tagEnd = message.find("] ");
+    throw SceneFileError(tagEnd == std::string::npos ? message : message.substr(tagEnd + 2));
   }
-  bool parse_error(size_t position, const std::string& token, const json::exception& error) {
-    return dom_.parse_error(position, token, error);  // throws the parser's own error
-  }
+
+  JsonDocument Finish() { return document_.Finish(); }
 
  private:
   struct Frame {
@@ -192,8 +213,12 @@ class StrictDomBuilder {
     size_t count;     // elements of an array seen so far
   };
 
-  bool CountElement() {
+  void CountElement() {
     if (!frames_.empty() && !frames_.back().isObject) ++frames_.back().count;
+  }
+  bool End() {
+    frames_.pop_back();
+    document_.End();
     return true;
   }
   std::string Path() const {
@@ -204,7 +229,7 @@ class StrictDomBuilder {
     return path;
   }
 
-  nlohmann::detail::json_sax_dom_parser<json> dom_;
+  JsonDocumentBuilder document_;
   std::vector<Frame> frames_;
 };
 
@@ -220,82 +245,138 @@ void RejectNulBytes(std::string_view text) {
                ": a NUL byte, which JSON text cannot contain");
 }
 
+// The document numbers its values and strings with 32 bits.
+void RejectHugeTexts(std::string_view text) {
+  if (text.size() >= std::numeric_limits<uint32_t>::max()) {
+    Fail({}, "the text is " + std::to_string(text.size()) +
+                 " bytes long; scene files of 4 GiB or more are not supported");
+  }
+}
+
 #ifdef ORVANE_HAVE_SIMDJSON
-// simdjson finds the text's structure several times faster than nlohmann's own lexer; its
-// elements are then copied into the nlohmann values the reader walks. Whatever simdjson refuses
-// or reads differently from nlohmann goes through the strict parse below instead, which gives
-// the exact message: a duplicate key (simdjson keeps both), and -0 (simdjson reads a double,
-// nlohmann an integer). Integers that are not negative are nlohmann's unsigned kind.
-bool CopyFast(simdjson::dom::element from, json& to) {
+static_assert(kParsePadding >= simdjson::SIMDJSON_PADDING);
+
+struct DocumentSize {
+  size_t nodes = 0, children = 0, textBytes = 0;
+};
+
+void Measure(simdjson::dom::element value, DocumentSize& size) {
+  ++size.nodes;
+  switch (value.type()) {
+    case simdjson::dom::element_type::OBJECT:
+      for (simdjson::dom::key_value_pair member : simdjson::dom::object(value)) {
+        ++size.nodes;
+        size.children += 2;
+        size.textBytes += member.key.size();
+        Measure(member.value, size);
+      }
+      break;
+    case simdjson::dom::element_type::ARRAY:
+      for (simdjson::dom::element item : simdjson::dom::array(value)) {
+        ++size.children;
+        Measure(item, size);
+      }
+      break;
+    case simdjson::dom::element_type::STRING:
+      size.textBytes += std::string_view(value).size();
+      break;
+    default: break;
+  }
+}
+
+// Keys are compared pairwise in small objects and sorted in large ones.
+bool HasDuplicateKeys(simdjson::dom::object object) {
+  constexpr size_t kPairwiseLimit = 16;
+  std::vector<std::string_view> keys;
+  for (simdjson::dom::key_value_pair member : object)
+    keys.push_back(member.key);
+  if (keys.size() <= kPairwiseLimit) {
+    for (size_t i = 0; i < keys.size(); ++i) {
+      for (size_t k = 0; k < i; ++k) {
+        if (keys[i] == keys[k]) return true;
+      }
+    }
+    return false;
+  }
+  std::sort(keys.begin(), keys.end());
+  return std::adjacent_find(keys.begin(), keys.end()) != keys.end();
+}
+
+// simdjson finds the text's structure several times faster than nlohmann's own lexer. Whatever
+// it refuses goes through the strict parse below instead, which gives the exact message, and so
+// does a duplicate key, which simdjson keeps.
+bool CopyFast(simdjson::dom::element from, JsonDocumentBuilder& to) {
   switch (from.type()) {
     case simdjson::dom::element_type::OBJECT: {
-      to = json::object();
-      for (simdjson::dom::key_value_pair member : simdjson::dom::object(from)) {
-        auto [slot, inserted] = to.emplace(std::string(member.key), json());
-        if (!inserted || !CopyFast(member.value, slot.value())) return false;
+      simdjson::dom::object object(from);
+      if (HasDuplicateKeys(object)) return false;
+      to.StartObject();
+      for (simdjson::dom::key_value_pair member : object) {
+        to.Key(member.key);
+        if (!CopyFast(member.value, to)) return false;
       }
+      to.End();
       return true;
     }
     case simdjson::dom::element_type::ARRAY: {
-      to = json::array();
+      to.StartArray();
       for (simdjson::dom::element item : simdjson::dom::array(from)) {
-        to.push_back(json());
-        if (!CopyFast(item, to.back())) return false;
+        if (!CopyFast(item, to)) return false;
       }
+      to.End();
       return true;
     }
     case simdjson::dom::element_type::INT64: {
       int64_t value = int64_t(from);
-      to = value >= 0 ? json(static_cast<uint64_t>(value)) : json(value);
+      if (value >= 0) {
+        to.Unsigned(static_cast<uint64_t>(value));
+      } else {
+        to.Signed(value);
+      }
       return true;
     }
-    case simdjson::dom::element_type::UINT64: to = uint64_t(from); return true;
-    case simdjson::dom::element_type::DOUBLE: {
-      double value = double(from);
-      to = value;
-      return !(value == 0 && std::signbit(value));
-    }
-    case simdjson::dom::element_type::STRING: to = std::string(std::string_view(from)); return true;
-    case simdjson::dom::element_type::BOOL: to = bool(from); return true;
-    case simdjson::dom::element_type::NULL_VALUE: to = nullptr; return true;
+    case simdjson::dom::element_type::UINT64: to.Unsigned(uint64_t(from)); return true;
+    case simdjson::dom::element_type::DOUBLE: to.Double(double(from)); return true;
+    case simdjson::dom::element_type::STRING: to.String(std::string_view(from)); return true;
+    case simdjson::dom::element_type::BOOL: to.Bool(bool(from)); return true;
+    case simdjson::dom::element_type::NULL_VALUE: to.Null(); return true;
   }
   return false;
 }
 
-std::optional<json> ParseFast(std::string_view text) {
+std::optional<JsonDocument> ParseFast(std::string_view text, size_t readableBeyond) {
   simdjson::dom::parser parser;
-  simdjson::padded_string padded(text);
   simdjson::dom::element root;
-  if (parser.parse(padded).get(root) != simdjson::SUCCESS) return std::nullopt;
-  json copy;
-  if (!CopyFast(root, copy)) return std::nullopt;
-  return copy;
+  bool copyFirst = readableBeyond < simdjson::SIMDJSON_PADDING;
+  if (parser.parse(text.data(), text.size(), copyFirst).get(root) != simdjson::SUCCESS) {
+    return std::nullopt;
+  }
+  DocumentSize size;
+  Measure(root, size);
+  JsonDocumentBuilder document;
+  document.Reserve(size.nodes, size.children, size.textBytes);
+  if (!CopyFast(root, document)) return std::nullopt;
+  return document.Finish();
 }
 #endif
 
 }  // namespace
 
-json ParseStrictly(std::string_view text) {
+JsonDocument ParseStrictly(std::string_view text, [[maybe_unused]] size_t readableBeyond) {
 #ifdef ORVANE_HAVE_SIMDJSON
   RejectNulBytes(text);
-  if (std::optional<json> fast = ParseFast(text)) return std::move(*fast);
+  RejectHugeTexts(text);
+  if (std::optional<JsonDocument> fast = ParseFast(text, readableBeyond)) return std::move(*fast);
 #endif
   return ParseStrictlyWithNlohmann(text);
 }
 
-json ParseStrictlyWithNlohmann(std::string_view text) {
+JsonDocument ParseStrictlyWithNlohmann(std::string_view text) {
   RejectNulBytes(text);
-  json root;
-  StrictDomBuilder builder(root);
+  RejectHugeTexts(text);
+  StrictDocumentBuilder builder;
   json::sax_parse(text, &builder);
-  return root;
-}
-
-// nlohmann's messages start with an "[json.exception...]" tag that means nothing to a user.
-std::string DescribeJsonError(const json::exception& error) {
-  std::string message = error.what();
-  auto tagEnd = message.find("] ");
-  return tagEnd == std::string::npos ? message : message.substr(tagEnd + 2);
+  return builder.Finish();
 }
 
 }  // namespace orvane::host::memory

@@ -16,7 +16,7 @@ namespace {
 
 class Loader {
  public:
-  Loader(const json& root, std::filesystem::path folder)
+  Loader(JsonValue root, std::filesystem::path folder)
       : root_(root), folder_(std::move(folder)), scene_(std::make_unique<MemScene>()) {}
 
   std::unique_ptr<MemScene> Load() {
@@ -79,8 +79,8 @@ class Loader {
   template <class T, class Make>
   void Declare(const Fields& top, std::string_view listKey,
                std::initializer_list<std::string_view> allowed, Declared<T>& declared, Make make) {
-    const json* list = top.Find(listKey);
-    if (list == nullptr) return;
+    std::optional<JsonValue> list = top.Find(listKey);
+    if (!list) return;
     std::string listPath = top.PathOf(listKey);
     RequireArray(*list, listPath);
     for (size_t i = 0; i < list->size(); ++i) {
@@ -92,13 +92,13 @@ class Loader {
   }
 
   void DeclareObjects(const Fields& top) {
-    const json* list = top.Find("objects");
-    if (list == nullptr) return;
+    std::optional<JsonValue> list = top.Find("objects");
+    if (!list) return;
     RequireArray(*list, "objects");
     for (size_t i = 0; i < list->size(); ++i) {
-      const json& item = (*list)[i];
+      JsonValue item = (*list)[i];
       std::string path = Element("objects", i);
-      if (item.is_object() && item.contains("derived")) {
+      if (item.IsObject() && item.Find("derived")) {
         auto fields =
             std::make_unique<Fields>(item, path,
                                      std::initializer_list<std::string_view>{
@@ -127,65 +127,65 @@ class Loader {
   }
 
   void ReadSettings(const Fields& top) {
-    if (const json* time = top.Find("time")) scene_->time = ReadInt(*time, "time");
-    if (const json* scale = top.Find("unitScale"))
+    if (std::optional<JsonValue> time = top.Find("time")) scene_->time = ReadInt(*time, "time");
+    if (std::optional<JsonValue> scale = top.Find("unitScale"))
       scene_->metresPerUnit = ReadDouble(*scale, "unitScale");
-    if (const json* file = top.Find("file")) {
+    if (std::optional<JsonValue> file = top.Find("file")) {
       Fields fields(*file, "file", {"name", "path"});
-      if (const json* name = fields.Find("name"))
+      if (std::optional<JsonValue> name = fields.Find("name"))
         scene_->fileName = ReadText(*name, fields.PathOf("name"));
-      if (const json* path = fields.Find("path"))
+      if (std::optional<JsonValue> path = fields.Find("path"))
         scene_->filePath = ReadText(*path, fields.PathOf("path"));
     }
-    if (const json* dir = top.Find("settingsDirectory")) {
+    if (std::optional<JsonValue> dir = top.Find("settingsDirectory")) {
       scene_->settingsDirectory = ReadText(*dir, "settingsDirectory");
     }
-    if (const json* environment = top.Find("environment")) ReadEnvironment(*environment);
-    if (const json* scripts = top.Find("scripts")) ReadScripts(*scripts);
-    if (const json* resolution = top.Find("fileResolution")) ReadFileResolution(*resolution);
-    if (const json* files = top.Find("files")) ReadFiles(*files);
-    if (const json* behaviour = top.Find("export")) {
+    if (std::optional<JsonValue> environment = top.Find("environment")) ReadEnvironment(*environment);
+    if (std::optional<JsonValue> scripts = top.Find("scripts")) ReadScripts(*scripts);
+    if (std::optional<JsonValue> resolution = top.Find("fileResolution")) ReadFileResolution(*resolution);
+    if (std::optional<JsonValue> files = top.Find("files")) ReadFiles(*files);
+    if (std::optional<JsonValue> behaviour = top.Find("export")) {
       scene_->exportBehaviour =
           ReadName(kExportBehaviours, *behaviour, "export", "export behaviour");
     }
   }
 
-  void ReadEnvironment(const json& value) {
+  void ReadEnvironment(JsonValue value) {
     Fields fields(value, "environment", {"background", "useMap", "map"});
-    if (const json* background = fields.Find("background")) {
+    if (std::optional<JsonValue> background = fields.Find("background")) {
       scene_->background = ReadColor(*background, fields.PathOf("background"));
     }
-    if (const json* useMap = fields.Find("useMap")) {
+    if (std::optional<JsonValue> useMap = fields.Find("useMap")) {
       scene_->useEnvironmentMap = ReadBool(*useMap, fields.PathOf("useMap"));
     }
-    if (const json* map = fields.Find("map"))
+    if (std::optional<JsonValue> map = fields.Find("map"))
       scene_->environmentMap = ResolveMap(*map, fields.PathOf("map"));
   }
 
-  void ReadScripts(const json& value) {
+  void ReadScripts(JsonValue value) {
     RequireArray(value, "scripts");
     for (size_t i = 0; i < value.size(); ++i) {
       Fields fields(value[i], Element("scripts", i), {"contains", "reply", "fails"});
       ScriptRule rule;
-      const json& contains = RequireArray(fields.Get("contains"), fields.PathOf("contains"));
+      JsonValue contains = RequireArray(fields.Get("contains"), fields.PathOf("contains"));
       for (size_t k = 0; k < contains.size(); ++k) {
         rule.contains.push_back(ReadText(contains[k], Element(fields.PathOf("contains"), k)));
       }
-      if (const json* fails = fields.Find("fails"))
+      if (std::optional<JsonValue> fails = fields.Find("fails"))
         rule.fails = ReadBool(*fails, fields.PathOf("fails"));
-      const json* reply = fields.Find("reply");
-      if (rule.fails && reply != nullptr)
+      std::optional<JsonValue> reply = fields.Find("reply");
+      if (rule.fails && reply)
         Fail(fields.PathOf("reply"), "a failing run has no reply");
-      if (!rule.fails && reply == nullptr)
+      if (!rule.fails && !reply)
         Fail(fields.path(), "missing key \"reply\" (or \"fails\": true)");
-      if (reply != nullptr && !reply->is_null())
+      if (reply && !reply->IsNull())
         rule.reply = ReadText(*reply, fields.PathOf("reply"));
       scene_->scriptRules.push_back(std::move(rule));
     }
   }
 
-  void ReadFileResolution(const json& value) {
-    if (value.is_null()) {
+  void ReadFileResolution(JsonValue value) {
+    if (value.IsNull()) {
       scene_->fileResolution.reset();  // the service is not available
       return;
     }
@@ -201,11 +201,12 @@ class Loader {
     }
   }
 
-  void ReadFiles(const json& value) {
-    if (!value.is_object()) Fail("files", "expected an object");
-    for (const auto& item : value.items()) {
-      std::string local = ReadString(item.value(), Member("files", item.key()));
-      std::u16string hostPath = FromUtf8(item.key());
+  void ReadFiles(JsonValue value) {
+    if (!value.IsObject()) Fail("files", "expected an object");
+    for (size_t member = 0; member < value.size(); ++member) {
+      std::string_view key = value.KeyAt(member);
+      std::string local = ReadString(value.ValueAt(member), Member("files", key));
+      std::u16string hostPath = FromUtf8(key);
       scene_->fileAliases.emplace_back(hostPath, local);
       scene_->files.AddAlias(
           hostPath, folder_ / std::filesystem::path(std::u8string(local.begin(), local.end())));
@@ -213,29 +214,29 @@ class Loader {
   }
 
   void ReadCommon(const Fields& fields, AnimatableData& data, bool classRequired) {
-    if (const json* handle = fields.Find("handle")) {
+    if (std::optional<JsonValue> handle = fields.Find("handle")) {
       data.handle = static_cast<AnimHandle>(
           ReadInteger(*handle, fields.PathOf("handle"), 0, std::numeric_limits<int64_t>::max()));
       data.handleGiven = true;
       handlePaths_.emplace_back(data.handle, fields.PathOf("handle"));
     }
-    if (const json* className = fields.Find("class")) {
+    if (std::optional<JsonValue> className = fields.Find("class")) {
       data.className = ReadText(*className, fields.PathOf("class"));
     } else if (classRequired) {
       Fail(fields.path(), "missing key \"class\"");
     }
-    if (const json* classId = fields.Find("classId")) {
+    if (std::optional<JsonValue> classId = fields.Find("classId")) {
       std::string path = fields.PathOf("classId");
-      if (!classId->is_array() || classId->size() != 2) Fail(path, "expected an array of 2 ids");
+      if (!classId->IsArray() || classId->size() != 2) Fail(path, "expected an array of 2 ids");
       data.classId = {ReadIdPart((*classId)[0], Element(path, 0)),
                       ReadIdPart((*classId)[1], Element(path, 1))};
     }
-    if (const json* params = fields.Find("params"))
+    if (std::optional<JsonValue> params = fields.Find("params"))
       ReadParamBlocks(*params, fields.PathOf("params"), data);
   }
 
-  SClass_ID ReadSuperClass(const json& value, const std::string& path) {
-    if (value.is_number()) return static_cast<SClass_ID>(ReadIdPart(value, path));
+  SClass_ID ReadSuperClass(JsonValue value, const std::string& path) {
+    if (value.IsNumber()) return static_cast<SClass_ID>(ReadIdPart(value, path));
     return ReadName(kSuperClasses, value, path, "super class");
   }
 
@@ -243,24 +244,24 @@ class Loader {
     node.data.className = u"Node";
     node.data.superClassId = 0x1;
     ReadCommon(fields, node.data, false);
-    if (const json* name = fields.Find("name")) node.name = ReadText(*name, fields.PathOf("name"));
+    if (std::optional<JsonValue> name = fields.Find("name")) node.name = ReadText(*name, fields.PathOf("name"));
     MemNode* parent = static_cast<MemNode*>(scene_->GetRootNode());
-    if (const json* parentId = fields.Find("parent"); parentId != nullptr && !parentId->is_null()) {
+    if (std::optional<JsonValue> parentId = fields.Find("parent"); parentId && !parentId->IsNull()) {
       parent = Resolve<MemNode>(*parentId, fields.PathOf("parent"), "node");
     }
     node.parent = parent;
     parent->children.push_back(&node);
-    if (const json* object = fields.Find("object"))
+    if (std::optional<JsonValue> object = fields.Find("object"))
       node.objectRef = Resolve<Object>(*object, fields.PathOf("object"), "object");
-    if (const json* state = fields.Find("worldState")) {
+    if (std::optional<JsonValue> state = fields.Find("worldState")) {
       node.worldStateOverride = Resolve<Object>(*state, fields.PathOf("worldState"), "object");
     }
-    if (const json* material = fields.Find("material")) {
+    if (std::optional<JsonValue> material = fields.Find("material")) {
       node.material = Resolve<Mtl>(*material, fields.PathOf("material"), "material");
     }
-    if (const json* target = fields.Find("target"))
+    if (std::optional<JsonValue> target = fields.Find("target"))
       node.target = Resolve<INode>(*target, fields.PathOf("target"), "node");
-    if (const json* transform = fields.Find("transform")) {
+    if (std::optional<JsonValue> transform = fields.Find("transform")) {
       node.transform = ReadMatrix(*transform, fields.PathOf("transform"));
     }
   }
@@ -269,14 +270,14 @@ class Loader {
     ReadCommon(fields, object.data, true);
     object.data.superClassId =
         ReadSuperClass(fields.Get("superClass"), fields.PathOf("superClass"));
-    if (const json* mesh = fields.Find("mesh"))
+    if (std::optional<JsonValue> mesh = fields.Find("mesh"))
       object.mesh = ReadMesh(*mesh, fields.PathOf("mesh"));
-    if (const json* tri = fields.Find("triObject")) {
+    if (std::optional<JsonValue> tri = fields.Find("triObject")) {
       object.isTriObject = ReadBool(*tri, fields.PathOf("triObject"));
       if (object.isTriObject && !object.mesh)
         Fail(fields.PathOf("triObject"), "a triangle-mesh object needs a \"mesh\"");
     }
-    if (const json* camera = fields.Find("camera"))
+    if (std::optional<JsonValue> camera = fields.Find("camera"))
       object.camera = ReadCamera(*camera, fields.PathOf("camera"));
   }
 
@@ -285,7 +286,7 @@ class Loader {
     ReadCommon(fields, object.data, false);
     Fields derived(fields.Get("derived"), fields.PathOf("derived"), {"object", "modifiers"});
     object.objRef = Resolve<Object>(derived.Get("object"), derived.PathOf("object"), "object");
-    if (const json* modifiers = derived.Find("modifiers")) {
+    if (std::optional<JsonValue> modifiers = derived.Find("modifiers")) {
       std::string path = derived.PathOf("modifiers");
       RequireArray(*modifiers, path);
       for (size_t i = 0; i < modifiers->size(); ++i) {
@@ -298,7 +299,7 @@ class Loader {
   void ReadModifier(const Fields& fields, MemModifier& modifier) {
     modifier.data.superClassId = OSM_CLASS_ID;
     ReadCommon(fields, modifier.data, true);
-    if (const json* superClass = fields.Find("superClass")) {
+    if (std::optional<JsonValue> superClass = fields.Find("superClass")) {
       modifier.data.superClassId = ReadSuperClass(*superClass, fields.PathOf("superClass"));
     }
   }
@@ -306,56 +307,56 @@ class Loader {
   template <class T>
   void ReadMtlBase(const Fields& fields, T& item) {
     ReadCommon(fields, item.data, true);
-    if (const json* name = fields.Find("name")) item.name = ReadText(*name, fields.PathOf("name"));
-    if (const json* slots = fields.Find("slots"))
+    if (std::optional<JsonValue> name = fields.Find("name")) item.name = ReadText(*name, fields.PathOf("name"));
+    if (std::optional<JsonValue> slots = fields.Find("slots"))
       item.slots = ReadSlots(*slots, fields.PathOf("slots"));
   }
 
   void ReadMaterial(const Fields& fields, MemMtl& material) {
     ReadMtlBase(fields, material);
-    if (const json* subs = fields.Find("subMaterials")) {
+    if (std::optional<JsonValue> subs = fields.Find("subMaterials")) {
       std::string path = fields.PathOf("subMaterials");
       RequireArray(*subs, path);
       for (size_t i = 0; i < subs->size(); ++i) {
         material.subMaterials.push_back(Resolve<Mtl>((*subs)[i], Element(path, i), "material"));
       }
     }
-    if (const json* standard = fields.Find("standard")) {
+    if (std::optional<JsonValue> standard = fields.Find("standard")) {
       material.standard = ReadStandard(*standard, fields.PathOf("standard"));
     }
   }
 
   void ReadMap(const Fields& fields, MemTexmap& map) {
     ReadMtlBase(fields, map);
-    if (const json* bitmap = fields.Find("bitmap"))
+    if (std::optional<JsonValue> bitmap = fields.Find("bitmap"))
       map.bitmap = ReadBitmap(*bitmap, fields.PathOf("bitmap"));
-    if (const json* curves = fields.Find("curves")) {
+    if (std::optional<JsonValue> curves = fields.Find("curves")) {
       Fields curveFields(*curves, fields.PathOf("curves"), {"mono", "rgb"});
-      if (const json* mono = curveFields.Find("mono"))
+      if (std::optional<JsonValue> mono = curveFields.Find("mono"))
         map.monoCurves = ReadCurveCtl(*mono, curveFields.PathOf("mono"));
-      if (const json* rgb = curveFields.Find("rgb"))
+      if (std::optional<JsonValue> rgb = curveFields.Find("rgb"))
         map.rgbCurves = ReadCurveCtl(*rgb, curveFields.PathOf("rgb"));
     }
   }
 
-  std::vector<MapSlot> ReadSlots(const json& value, const std::string& path) {
+  std::vector<MapSlot> ReadSlots(JsonValue value, const std::string& path) {
     RequireArray(value, path);
     std::vector<MapSlot> slots;
     for (size_t i = 0; i < value.size(); ++i) {
       Fields fields(value[i], Element(path, i), {"name", "map", "amount", "enabled"});
       MapSlot slot;
       slot.name = ReadText(fields.Get("name"), fields.PathOf("name"));
-      if (const json* map = fields.Find("map")) slot.map = ResolveMap(*map, fields.PathOf("map"));
-      if (const json* amount = fields.Find("amount"))
+      if (std::optional<JsonValue> map = fields.Find("map")) slot.map = ResolveMap(*map, fields.PathOf("map"));
+      if (std::optional<JsonValue> amount = fields.Find("amount"))
         slot.amount = ReadFloat(*amount, fields.PathOf("amount"));
-      if (const json* enabled = fields.Find("enabled"))
+      if (std::optional<JsonValue> enabled = fields.Find("enabled"))
         slot.enabled = ReadBool(*enabled, fields.PathOf("enabled"));
       slots.push_back(std::move(slot));
     }
     return slots;
   }
 
-  StandardMaterialData ReadStandard(const json& value, const std::string& path) {
+  StandardMaterialData ReadStandard(JsonValue value, const std::string& path) {
     Fields fields(value, path,
                   {"diffuse", "specular", "filter", "shininess", "shininessStrength", "opacity",
                    "selfIllum", "ior", "twoSided", "wire"});
@@ -373,14 +374,14 @@ class Loader {
     return standard;
   }
 
-  BitmapData ReadBitmap(const json& value, const std::string& path) {
+  BitmapData ReadBitmap(JsonValue value, const std::string& path) {
     Fields fields(value, path, {"mapName", "loadedGamma", "uvGen"});
     BitmapData bitmap;
     ReadOptional(fields, "mapName", bitmap.mapName, ReadText);
-    if (const json* gamma = fields.Find("loadedGamma"); gamma != nullptr && !gamma->is_null()) {
+    if (std::optional<JsonValue> gamma = fields.Find("loadedGamma"); gamma && !gamma->IsNull()) {
       bitmap.loadedGamma = ReadFloat(*gamma, fields.PathOf("loadedGamma"));
     }
-    if (const json* uvGen = fields.Find("uvGen"); uvGen != nullptr && !uvGen->is_null()) {
+    if (std::optional<JsonValue> uvGen = fields.Find("uvGen"); uvGen && !uvGen->IsNull()) {
       Fields uv(*uvGen, fields.PathOf("uvGen"),
                 {"uScale", "vScale", "uOffset", "vOffset", "wAngle", "tiling", "mapChannel"});
       UVGenData data;
@@ -396,13 +397,13 @@ class Loader {
     return bitmap;
   }
 
-  std::unique_ptr<MemCurveCtl> ReadCurveCtl(const json& value, const std::string& path) {
+  std::unique_ptr<MemCurveCtl> ReadCurveCtl(JsonValue value, const std::string& path) {
     RequireArray(value, path);
     auto control = std::make_unique<MemCurveCtl>();
     for (size_t c = 0; c < value.size(); ++c) {
-      const json& curve = value[c];
+      JsonValue curve = value[c];
       std::string curvePath = Element(path, c);
-      if (curve.is_null()) {
+      if (curve.IsNull()) {
         control->curves.push_back(nullptr);
         continue;
       }
@@ -410,7 +411,7 @@ class Loader {
       auto points = std::make_unique<MemCurve>();
       for (size_t p = 0; p < curve.size(); ++p) {
         std::string pointPath = Element(curvePath, p);
-        if (!curve[p].is_array() || curve[p].size() != 2)
+        if (!curve[p].IsArray() || curve[p].size() != 2)
           Fail(pointPath, "expected a point [x, y]");
         float x = ReadFloat(curve[p][0], Element(pointPath, 0));
         if (!points->points.empty() && x < points->points.back().first) {
@@ -423,7 +424,7 @@ class Loader {
     return control;
   }
 
-  CameraData ReadCamera(const json& value, const std::string& path) {
+  CameraData ReadCamera(JsonValue value, const std::string& path) {
     Fields fields(value, path,
                   {"fov", "ortho", "targetDistance", "manualClip", "nearClip", "farClip"});
     CameraData camera;
@@ -436,21 +437,21 @@ class Loader {
     return camera;
   }
 
-  MemMesh ReadMesh(const json& value, const std::string& path) {
+  MemMesh ReadMesh(JsonValue value, const std::string& path) {
     Fields fields(value, path, {"vertices", "faces", "vertexColors", "colorFaces"});
     MemMesh mesh;
     mesh.vertices = ReadPointList(fields, "vertices");
     std::string facesPath = fields.PathOf("faces");
-    const json& faces = RequireArray(fields.Get("faces"), facesPath);
+    JsonValue faces = RequireArray(fields.Get("faces"), facesPath);
     mesh.faces.reserve(faces.size());
     for (size_t f = 0; f < faces.size(); ++f) {
-      const json& face = faces[f];
+      JsonValue face = faces[f];
       if (auto plain = PlainFace(face, mesh.vertices.size())) {
         mesh.faces.push_back(*plain);
         continue;
       }
       std::string facePath = Element(facesPath, f);
-      if (!face.is_array() || (face.size() != 3 && face.size() != 4)) {
+      if (!face.IsArray() || (face.size() != 3 && face.size() != 4)) {
         Fail(facePath, "expected [a, b, c] or [a, b, c, materialId]");
       }
       MeshFace meshFace;
@@ -461,11 +462,11 @@ class Loader {
       mesh.faces.push_back(meshFace);
     }
     mesh.vertexColors = ReadPointList(fields, "vertexColors");
-    if (const json* colorFaces = fields.Find("colorFaces")) {
+    if (std::optional<JsonValue> colorFaces = fields.Find("colorFaces")) {
       RequireArray(*colorFaces, fields.PathOf("colorFaces"));
       for (size_t f = 0; f < colorFaces->size(); ++f) {
         std::string facePath = Element(fields.PathOf("colorFaces"), f);
-        if (!(*colorFaces)[f].is_array() || (*colorFaces)[f].size() != 3)
+        if (!(*colorFaces)[f].IsArray() || (*colorFaces)[f].size() != 3)
           Fail(facePath, "expected [a, b, c]");
         mesh.colorFaces.push_back(ReadIndices((*colorFaces)[f], facePath, mesh.vertexColors.size(),
                                               "vertex colour", "vertex colours"));
@@ -476,8 +477,8 @@ class Loader {
 
   std::vector<Point3> ReadPointList(const Fields& fields, std::string_view key) {
     std::vector<Point3> points;
-    const json* list = fields.Find(key);
-    if (list == nullptr) return points;
+    std::optional<JsonValue> list = fields.Find(key);
+    if (!list) return points;
     std::string path = fields.PathOf(key);
     RequireArray(*list, path);
     points.reserve(list->size());
@@ -491,12 +492,12 @@ class Loader {
 
   // A face of valid vertex indices and material id, or nullopt for one that needs reading with
   // its path.
-  static std::optional<MeshFace> PlainFace(const json& face, size_t vertexCount) {
-    if (!face.is_array() || (face.size() != 3 && face.size() != 4)) return std::nullopt;
+  static std::optional<MeshFace> PlainFace(JsonValue face, size_t vertexCount) {
+    if (!face.IsArray() || (face.size() != 3 && face.size() != 4)) return std::nullopt;
     MeshFace plain;
     for (size_t k = 0; k < face.size(); ++k) {
-      if (!face[k].is_number_unsigned()) return std::nullopt;
-      uint64_t number = face[k].get<uint64_t>();
+      if (!face[k].IsUnsigned()) return std::nullopt;
+      uint64_t number = face[k].Unsigned();
       if (k < 3 && (number >= vertexCount || number > INT32_MAX)) return std::nullopt;
       if (k == 3 && number > 65535) return std::nullopt;
       if (k < 3)
@@ -507,7 +508,7 @@ class Loader {
     return plain;
   }
 
-  std::array<int, 3> ReadIndices(const json& face, const std::string& path, size_t count,
+  std::array<int, 3> ReadIndices(JsonValue face, const std::string& path, size_t count,
                                  const std::string& what, const std::string& plural) {
     std::array<int, 3> indices{};
     for (size_t k = 0; k < 3; ++k) {
@@ -522,11 +523,11 @@ class Loader {
     return indices;
   }
 
-  void ReadParamBlocks(const json& value, const std::string& path, AnimatableData& data) {
+  void ReadParamBlocks(JsonValue value, const std::string& path, AnimatableData& data) {
     RequireArray(value, path);
     for (size_t b = 0; b < value.size(); ++b) {
       std::string blockPath = Element(path, b);
-      if (value[b].is_null()) {
+      if (value[b].IsNull()) {
         data.blocks.push_back(nullptr);
         continue;
       }
@@ -539,17 +540,17 @@ class Loader {
     }
   }
 
-  MemParam ReadParam(const json& value, const std::string& path) {
+  MemParam ReadParam(JsonValue value, const std::string& path) {
     Fields fields(value, path, {"name", "type", "value"});
     MemParam param;
-    const json& name = fields.Get("name");
-    if (!name.is_null()) param.name = ReadText(name, fields.PathOf("name"));
-    const json& type = fields.Get("type");
-    bool byCode = type.is_number_integer();
+    JsonValue name = fields.Get("name");
+    if (!name.IsNull()) param.name = ReadText(name, fields.PathOf("name"));
+    JsonValue type = fields.Get("type");
+    bool byCode = type.IsInteger();
     param.type = byCode ? static_cast<ParamType2>(ReadInteger(type, fields.PathOf("type"), 0,
                                                               std::numeric_limits<int>::max()))
                         : ReadParamType(type, fields.PathOf("type"));
-    const json& paramValue = fields.Get("value");
+    JsonValue paramValue = fields.Get("value");
     std::string valuePath = fields.PathOf("value");
     // A type given by its code holds no readable value, whatever the code.
     int baseType = byCode ? -1 : param.type & ~TYPE_TAB;
@@ -564,7 +565,7 @@ class Loader {
     return param;
   }
 
-  ParamType2 ReadParamType(const json& value, const std::string& path) {
+  ParamType2 ReadParamType(JsonValue value, const std::string& path) {
     std::string name = ReadString(value, path);
     bool table = name.size() > 4 && name.compare(name.size() - 4, 4, "_tab") == 0;
     std::string base = table ? name.substr(0, name.size() - 4) : name;
@@ -574,7 +575,7 @@ class Loader {
     Fail(path, "unknown parameter type \"" + name + "\"");
   }
 
-  ParamElement ReadElement(const json& value, const std::string& path, int baseType) {
+  ParamElement ReadElement(JsonValue value, const std::string& path, int baseType) {
     switch (baseType) {
       case TYPE_FLOAT:
       case TYPE_ANGLE:
@@ -584,13 +585,13 @@ class Loader {
       case TYPE_INDEX: return ReadInt(value, path);
       case TYPE_BOOL:
         // A boolean is stored as an integer; any integer may be given.
-        return value.is_boolean() ? static_cast<int>(value.get<bool>()) : ReadInt(value, path);
+        return value.IsBool() ? static_cast<int>(value.Bool()) : ReadInt(value, path);
       case TYPE_RGBA:
       case TYPE_FRGBA: return ReadColor(value, path);
       case TYPE_POINT3: return ReadPoint3(value, path);
       case TYPE_STRING:
       case TYPE_FILENAME:
-        if (value.is_null()) return std::optional<std::u16string>();
+        if (value.IsNull()) return std::optional<std::u16string>();
         return std::optional<std::u16string>(ReadText(value, path));
       case TYPE_MTL: return static_cast<Animatable*>(Resolve<Mtl>(value, path, "material"));
       case TYPE_TEXMAP: return static_cast<Animatable*>(ResolveMap(value, path));
@@ -598,27 +599,27 @@ class Loader {
       case TYPE_REFTARG: return Resolve<Animatable>(value, path, "animatable");
       case TYPE_MATRIX3: return ReadMatrix(value, path);
       default:
-        if (!value.is_null()) Fail(path, "this parameter type holds no value; write null");
+        if (!value.IsNull()) Fail(path, "this parameter type holds no value; write null");
         return std::monostate();
     }
   }
 
   template <class Value, class Reader>
   void ReadOptional(const Fields& fields, std::string_view key, Value& target, Reader read) {
-    if (const json* value = fields.Find(key)) target = read(*value, fields.PathOf(key));
+    if (std::optional<JsonValue> value = fields.Find(key)) target = read(*value, fields.PathOf(key));
   }
 
   // null, or the id of an animatable of type T.
   template <class T>
-  T* Resolve(const json& value, const std::string& path, const std::string& what) {
-    if (value.is_null()) return nullptr;
+  T* Resolve(JsonValue value, const std::string& path, const std::string& what) {
+    if (value.IsNull()) return nullptr;
     std::string id = ReadString(value, path);
     T* found = dynamic_cast<T*>(scene_->FindById(id));
     if (found == nullptr) Fail(path, "no " + what + " with id \"" + id + "\"");
     return found;
   }
 
-  Texmap* ResolveMap(const json& value, const std::string& path) {
+  Texmap* ResolveMap(JsonValue value, const std::string& path) {
     return Resolve<Texmap>(value, path, "map");
   }
 
@@ -675,7 +676,7 @@ class Loader {
     }
   }
 
-  const json& root_;
+  JsonValue root_;
   std::filesystem::path folder_;
   std::unique_ptr<MemScene> scene_;
   std::map<std::string, std::string> idPaths_;
@@ -690,14 +691,12 @@ class Loader {
 
 }  // namespace
 
-SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path& folder) {
+SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path& folder,
+                              size_t readableBeyond) {
   SceneLoadResult result;
   try {
-    json root = ParseStrictly(text);
-    result.scene = Loader(root, folder).Load();
-  } catch (const json::exception& error) {
-    // Malformed text, and numbers too large for any JSON number type.
-    result.error = DescribeJsonError(error);
+    JsonDocument document = ParseStrictly(text, readableBeyond);
+    result.scene = Loader(document.root(), folder).Load();
   } catch (const SceneFileError& error) {
     result.error = error.what();
   }
@@ -705,9 +704,9 @@ SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path
 }
 
 SceneLoadResult LoadSceneFile(const std::filesystem::path& file) {
-  FileRead read = ReadRegularFile(file, std::numeric_limits<uint64_t>::max());
+  FileRead read = ReadRegularFile(file, std::numeric_limits<uint64_t>::max(), kParsePadding);
   if (!read.bytes) return {nullptr, file.string() + ": " + DescribeFileReadError(read.error)};
-  SceneLoadResult result = LoadSceneText(*read.bytes, file.parent_path());
+  SceneLoadResult result = LoadSceneText(*read.bytes, file.parent_path(), kParsePadding);
   if (!result.scene) result.error = file.string() + ": " + result.error;
   return result;
 }

@@ -14,6 +14,7 @@
 #include <iostream>
 #include <string>
 
+#include "base/huge_pages.h"
 #include "host/memory/scene_file.h"
 #include "package/package_builder.h"
 
@@ -96,6 +97,7 @@ Measurement BuildOnce(host::memory::MemScene& scene, const fs::path& document) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  RestartWithHugePageHeap(argv);  // as the orvane tool does, so both measure one heap
   std::vector<std::string> args(argv + 1, argv + argc);
   int repeat = 1;
   if (args.size() >= 2 && args[0] == "--repeat") {

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Packages for generated scenes of 10k and 100k geometry objects, and 50,000 objects all named
 # "Box"; reports the fastest of REPEAT builds (default 3), package size and the builder's peak
-# memory, the tight-loop floor measured in the same run, then the growth ratios.
+# memory, the tight-loop floor measured in the same run, then the growth ratios, then the whole
+# `orvane package` command (load, build, write) on the 100k scene against the same floor.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 cmake --preset release >/dev/null
@@ -16,3 +17,14 @@ build/release/bench/package_bench --repeat "${REPEAT:-3}" "$work/out" "$work/sce
   "$work/scene-100k.scene.json" --boxes 5000 --boxes 50000 | tee "$work/report"
 awk '$1 ~ /scene-10k/ {t10=$3} $1 ~ /scene-100k/ {t100=$3} $1 == "boxes-5000" {b5=$3} $1 == "boxes-50000" {b50=$3}
   END {printf "growth 10k -> 100k: x%.2f (10x the objects)\ngrowth 5k -> 50k boxes: x%.2f (10x the objects)\n", t100/t10, b50/b5}' "$work/report"
+
+best=""
+for _ in $(seq "${REPEAT:-3}"); do
+  /usr/bin/time -f "%e %M" -o "$work/time" build/release/orvane package "$work/scene-100k.scene.json" \
+    -o "$work/command/1.json" >/dev/null
+  read -r seconds kib <"$work/time"
+  if [ -z "$best" ] || awk -v a="$seconds" -v b="$best" 'BEGIN {exit !(a < b)}'; then
+    best="$seconds" peak="$kib"
+  fi
+done
+awk -v s="$best" -v kib="$peak" '$1 ~ /scene-100k/ {printf "orvane package, 100k end to end: %.2f s (fastest of %d), %.2fx the floor; peak %.0f MB\n", s, '"${REPEAT:-3}"', s / $4, kib * 1024 / 1e6}' "$work/report"

@@ -3,8 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "base/huge_pages.h"
 #include "cli/commands.h"
 
 int main(int argc, char** argv) {
+  orvane::RestartWithHugePageHeap(argv);
   return orvane::cli::RunOrvane({argv + 1, argv + argc}, std::cout, std::cerr);
 }

@@ -22,6 +22,13 @@ TEST(WideText, WellFormedTextConvertsBothWays) {
       {"non-BMP as a surrogate pair", u"\U0001F3E0 house", "\xf0\x9f\x8f\xa0 house"},
       {"highest code point", u"\U0010FFFF", "\xf4\x8f\xbf\xbf"},
       {"nul inside", std::u16string(u"a\0b", 3), std::string("a\0b", 3)},
+      // ASCII is copied 16 units at a time: non-ASCII at and around a block's edge
+      {"non-ASCII last in the first block", u"0123456789abcde\u00e9xyz",
+       "0123456789abcde\xc3\xa9xyz"},
+      {"non-ASCII first in the second block", u"0123456789abcdef\u00e9",
+       "0123456789abcdef\xc3\xa9"},
+      {"two blocks and a tail", u"0123456789abcdef0123456789abcdefxy",
+       "0123456789abcdef0123456789abcdefxy"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(ToUtf8(c.wide), c.utf8) << c.label;

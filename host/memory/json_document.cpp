@@ -4,13 +4,21 @@
 
 namespace orvane::host::memory {
 
-JsonKind JsonValue::kind() const { return document_->nodes_[node_].kind; }
+JsonKind JsonValue::kind() const {
+  return document_->nodes_[node_].kind;
+}
 
-bool JsonValue::Bool() const { return document_->nodes_[node_].boolean; }
+bool JsonValue::Bool() const {
+  return document_->nodes_[node_].boolean;
+}
 
-int64_t JsonValue::Signed() const { return document_->nodes_[node_].signedValue; }
+int64_t JsonValue::Signed() const {
+  return document_->nodes_[node_].signedValue;
+}
 
-uint64_t JsonValue::Unsigned() const { return document_->nodes_[node_].unsignedValue; }
+uint64_t JsonValue::Unsigned() const {
+  return document_->nodes_[node_].unsignedValue;
+}
 
 double JsonValue::Double() const {
   const JsonDocument::Node& node = document_->nodes_[node_];
@@ -85,9 +93,13 @@ uint32_t JsonDocumentBuilder::Add(JsonDocument::Node node) {
   return number;
 }
 
-void JsonDocumentBuilder::Null() { Add({JsonKind::kNull, 0, {.unsignedValue = 0}}); }
+void JsonDocumentBuilder::Null() {
+  Add({JsonKind::kNull, 0, {.unsignedValue = 0}});
+}
 
-void JsonDocumentBuilder::Bool(bool value) { Add({JsonKind::kBool, 0, {.boolean = value}}); }
+void JsonDocumentBuilder::Bool(bool value) {
+  Add({JsonKind::kBool, 0, {.boolean = value}});
+}
 
 void JsonDocumentBuilder::Signed(int64_t value) {
   Add({JsonKind::kSigned, 0, {.signedValue = value}});

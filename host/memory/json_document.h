@@ -14,7 +14,16 @@ namespace orvane::host::memory {
 
 class JsonDocument;
 
-enum class JsonKind : uint8_t { kNull, kBool, kSigned, kUnsigned, kDouble, kString, kArray, kObject };
+enum class JsonKind : uint8_t {
+  kNull,
+  kBool,
+  kSigned,
+  kUnsigned,
+  kDouble,
+  kString,
+  kArray,
+  kObject
+};
 
 // A value inside a document; valid while the document lives and stays where it is.
 // Integers below zero are signed, all others unsigned.

@@ -140,9 +140,11 @@ class Loader {
     if (std::optional<JsonValue> dir = top.Find("settingsDirectory")) {
       scene_->settingsDirectory = ReadText(*dir, "settingsDirectory");
     }
-    if (std::optional<JsonValue> environment = top.Find("environment")) ReadEnvironment(*environment);
+    if (std::optional<JsonValue> environment = top.Find("environment"))
+      ReadEnvironment(*environment);
     if (std::optional<JsonValue> scripts = top.Find("scripts")) ReadScripts(*scripts);
-    if (std::optional<JsonValue> resolution = top.Find("fileResolution")) ReadFileResolution(*resolution);
+    if (std::optional<JsonValue> resolution = top.Find("fileResolution"))
+      ReadFileResolution(*resolution);
     if (std::optional<JsonValue> files = top.Find("files")) ReadFiles(*files);
     if (std::optional<JsonValue> behaviour = top.Find("export")) {
       scene_->exportBehaviour =
@@ -174,12 +176,9 @@ class Loader {
       if (std::optional<JsonValue> fails = fields.Find("fails"))
         rule.fails = ReadBool(*fails, fields.PathOf("fails"));
       std::optional<JsonValue> reply = fields.Find("reply");
-      if (rule.fails && reply)
-        Fail(fields.PathOf("reply"), "a failing run has no reply");
-      if (!rule.fails && !reply)
-        Fail(fields.path(), "missing key \"reply\" (or \"fails\": true)");
-      if (reply && !reply->IsNull())
-        rule.reply = ReadText(*reply, fields.PathOf("reply"));
+      if (rule.fails && reply) Fail(fields.PathOf("reply"), "a failing run has no reply");
+      if (!rule.fails && !reply) Fail(fields.path(), "missing key \"reply\" (or \"fails\": true)");
+      if (reply && !reply->IsNull()) rule.reply = ReadText(*reply, fields.PathOf("reply"));
       scene_->scriptRules.push_back(std::move(rule));
     }
   }
@@ -244,9 +243,11 @@ class Loader {
     node.data.className = u"Node";
     node.data.superClassId = 0x1;
     ReadCommon(fields, node.data, false);
-    if (std::optional<JsonValue> name = fields.Find("name")) node.name = ReadText(*name, fields.PathOf("name"));
+    if (std::optional<JsonValue> name = fields.Find("name"))
+      node.name = ReadText(*name, fields.PathOf("name"));
     MemNode* parent = static_cast<MemNode*>(scene_->GetRootNode());
-    if (std::optional<JsonValue> parentId = fields.Find("parent"); parentId && !parentId->IsNull()) {
+    if (std::optional<JsonValue> parentId = fields.Find("parent");
+        parentId && !parentId->IsNull()) {
       parent = Resolve<MemNode>(*parentId, fields.PathOf("parent"), "node");
     }
     node.parent = parent;
@@ -307,7 +308,8 @@ class Loader {
   template <class T>
   void ReadMtlBase(const Fields& fields, T& item) {
     ReadCommon(fields, item.data, true);
-    if (std::optional<JsonValue> name = fields.Find("name")) item.name = ReadText(*name, fields.PathOf("name"));
+    if (std::optional<JsonValue> name = fields.Find("name"))
+      item.name = ReadText(*name, fields.PathOf("name"));
     if (std::optional<JsonValue> slots = fields.Find("slots"))
       item.slots = ReadSlots(*slots, fields.PathOf("slots"));
   }
@@ -346,7 +348,8 @@ class Loader {
       Fields fields(value[i], Element(path, i), {"name", "map", "amount", "enabled"});
       MapSlot slot;
       slot.name = ReadText(fields.Get("name"), fields.PathOf("name"));
-      if (std::optional<JsonValue> map = fields.Find("map")) slot.map = ResolveMap(*map, fields.PathOf("map"));
+      if (std::optional<JsonValue> map = fields.Find("map"))
+        slot.map = ResolveMap(*map, fields.PathOf("map"));
       if (std::optional<JsonValue> amount = fields.Find("amount"))
         slot.amount = ReadFloat(*amount, fields.PathOf("amount"));
       if (std::optional<JsonValue> enabled = fields.Find("enabled"))
@@ -411,8 +414,7 @@ class Loader {
       auto points = std::make_unique<MemCurve>();
       for (size_t p = 0; p < curve.size(); ++p) {
         std::string pointPath = Element(curvePath, p);
-        if (!curve[p].IsArray() || curve[p].size() != 2)
-          Fail(pointPath, "expected a point [x, y]");
+        if (!curve[p].IsArray() || curve[p].size() != 2) Fail(pointPath, "expected a point [x, y]");
         float x = ReadFloat(curve[p][0], Element(pointPath, 0));
         if (!points->points.empty() && x < points->points.back().first) {
           Fail(Element(pointPath, 0), "curve points must be in ascending x");
@@ -606,7 +608,8 @@ class Loader {
 
   template <class Value, class Reader>
   void ReadOptional(const Fields& fields, std::string_view key, Value& target, Reader read) {
-    if (std::optional<JsonValue> value = fields.Find(key)) target = read(*value, fields.PathOf(key));
+    if (std::optional<JsonValue> value = fields.Find(key))
+      target = read(*value, fields.PathOf(key));
   }
 
   // null, or the id of an animatable of type T.

@@ -17,40 +17,48 @@
 
 namespace orvane::host::memory {
 
-std::string Member(const std::string& path, std::string_view key) {
-  return path.empty() ? std::string(key) : path + "." + std::string(key);
+JsonPath Member(const JsonPath& path, std::string_view key) {
+  return JsonPath(path.IsWholeFile() ? nullptr : &path, key, JsonPath::kNoIndex);
 }
 
-std::string Element(const std::string& path, size_t index) {
-  return path + "[" + std::to_string(index) + "]";
+JsonPath Element(const JsonPath& path, size_t index) {
+  if (path.index_ == JsonPath::kNoIndex) return JsonPath(path.parent_, path.key_, index);
+  return JsonPath(&path, {}, index);
 }
 
-JsonValue RequireArray(JsonValue value, const std::string& path) {
+std::string JsonPath::Text() const {
+  std::string text = parent_ != nullptr ? parent_->Text() : "";
+  if (!key_.empty()) text += (text.empty() ? "" : ".") + std::string(key_);
+  if (index_ != kNoIndex) text += "[" + std::to_string(index_) + "]";
+  return text;
+}
+
+JsonValue RequireArray(JsonValue value, const JsonPath& path) {
   if (!value.IsArray()) Fail(path, "expected an array");
   return value;
 }
 
-std::string ReadString(JsonValue value, const std::string& path) {
+std::string ReadString(JsonValue value, const JsonPath& path) {
   if (!value.IsString()) Fail(path, "expected a string");
   return std::string(value.String());
 }
 
-std::u16string ReadText(JsonValue value, const std::string& path) {
+std::u16string ReadText(JsonValue value, const JsonPath& path) {
   return FromUtf8(ReadString(value, path));
 }
 
-bool ReadBool(JsonValue value, const std::string& path) {
+bool ReadBool(JsonValue value, const JsonPath& path) {
   if (!value.IsBool()) Fail(path, "expected true or false");
   return value.Bool();
 }
 
-double ReadDouble(JsonValue value, const std::string& path) {
+double ReadDouble(JsonValue value, const JsonPath& path) {
   if (!value.IsNumber()) Fail(path, "expected a number");
   return value.Double();
 }
 
 // JSON has no infinities or NaN; the scene file writes them as "inf", "-inf" and "nan".
-float ReadFloat(JsonValue value, const std::string& path) {
+float ReadFloat(JsonValue value, const JsonPath& path) {
   if (value.IsNumber()) {
     double number = value.Double();
     if (std::fabs(number) > std::numeric_limits<float>::max()) Fail(path, "out of range");
@@ -65,7 +73,7 @@ float ReadFloat(JsonValue value, const std::string& path) {
   Fail(path, "expected a number");
 }
 
-int64_t ReadInteger(JsonValue value, const std::string& path, int64_t low, int64_t high) {
+int64_t ReadInteger(JsonValue value, const JsonPath& path, int64_t low, int64_t high) {
   if (!value.IsInteger()) Fail(path, "expected an integer");
   if (value.IsUnsigned() && value.Unsigned() > static_cast<uint64_t>(high)) {
     Fail(path, "out of range");
@@ -75,13 +83,13 @@ int64_t ReadInteger(JsonValue value, const std::string& path, int64_t low, int64
   return number;
 }
 
-int ReadInt(JsonValue value, const std::string& path) {
+int ReadInt(JsonValue value, const JsonPath& path) {
   return static_cast<int>(ReadInteger(value, path, std::numeric_limits<int32_t>::min(),
                                       std::numeric_limits<int32_t>::max()));
 }
 
 // A 32-bit id part: an integer or a hexadecimal string such as "0x240".
-uint32_t ReadIdPart(JsonValue value, const std::string& path) {
+uint32_t ReadIdPart(JsonValue value, const JsonPath& path) {
   if (value.IsString()) {
     std::string_view text = value.String();
     if (text.size() > 2 && text.size() <= 10 && text[0] == '0' &&
@@ -106,24 +114,24 @@ std::optional<std::array<float, 3>> PlainTriple(JsonValue value) {
   return triple;
 }
 
-std::array<float, 3> ReadTriple(JsonValue value, const std::string& path) {
+std::array<float, 3> ReadTriple(JsonValue value, const JsonPath& path) {
   if (auto plain = PlainTriple(value)) return *plain;
   if (!value.IsArray() || value.size() != 3) Fail(path, "expected an array of 3 numbers");
   return {ReadFloat(value[0], Element(path, 0)), ReadFloat(value[1], Element(path, 1)),
           ReadFloat(value[2], Element(path, 2))};
 }
 
-Color ReadColor(JsonValue value, const std::string& path) {
+Color ReadColor(JsonValue value, const JsonPath& path) {
   auto [r, g, b] = ReadTriple(value, path);
   return {r, g, b};
 }
 
-Point3 ReadPoint3(JsonValue value, const std::string& path) {
+Point3 ReadPoint3(JsonValue value, const JsonPath& path) {
   auto [x, y, z] = ReadTriple(value, path);
   return {x, y, z};
 }
 
-Matrix3 ReadMatrix(JsonValue value, const std::string& path) {
+Matrix3 ReadMatrix(JsonValue value, const JsonPath& path) {
   if (!value.IsArray() || value.size() != 4) Fail(path, "expected an array of 4 rows");
   Matrix3 matrix;
   for (size_t row = 0; row < 4; ++row)
@@ -184,7 +192,7 @@ class StrictDocumentBuilder {
   bool key(std::string& name) {
     Frame& object = frames_.back();
     object.key = name;
-    if (!object.keys.insert(name).second) Fail(Path(), "duplicate key");
+    if (!object.keys.insert(name).second) throw SceneFileError(Path() + ": duplicate key");
     document_.Key(name);
     return true;
   }
@@ -224,7 +232,11 @@ class StrictDocumentBuilder {
   std::string Path() const {
     std::string path;
     for (const Frame& frame : frames_) {
-      path = frame.isObject ? Member(path, frame.key) : Element(path, frame.count - 1);
+      if (frame.isObject) {
+        path += (path.empty() ? "" : ".") + frame.key;
+      } else {
+        path += "[" + std::to_string(frame.count - 1) + "]";
+      }
     }
     return path;
   }

@@ -81,7 +81,7 @@ class Loader {
                std::initializer_list<std::string_view> allowed, Declared<T>& declared, Make make) {
     std::optional<JsonValue> list = top.Find(listKey);
     if (!list) return;
-    std::string listPath = top.PathOf(listKey);
+    JsonPath listPath = top.PathOf(listKey);
     RequireArray(*list, listPath);
     for (size_t i = 0; i < list->size(); ++i) {
       auto fields = std::make_unique<Fields>((*list)[i], Element(listPath, i), allowed);
@@ -97,7 +97,7 @@ class Loader {
     RequireArray(*list, "objects");
     for (size_t i = 0; i < list->size(); ++i) {
       JsonValue item = (*list)[i];
-      std::string path = Element("objects", i);
+      JsonPath path = Element("objects", i);
       if (item.IsObject() && item.Find("derived")) {
         auto fields =
             std::make_unique<Fields>(item, path,
@@ -117,12 +117,12 @@ class Loader {
   }
 
   std::string ReadId(const Fields& fields) {
-    std::string path = fields.PathOf("id");
+    JsonPath path = fields.PathOf("id");
     std::string id = ReadString(fields.Get("id"), path);
     if (id.empty()) Fail(path, "an id must not be empty");
     auto [existing, inserted] = idPaths_.emplace(id, path);
     if (!inserted)
-      Fail(path, "duplicate id \"" + id + "\" (first used at " + existing->second + ")");
+      Fail(path, "duplicate id \"" + id + "\" (first used at " + existing->second.Text() + ")");
     return id;
   }
 
@@ -225,7 +225,7 @@ class Loader {
       Fail(fields.path(), "missing key \"class\"");
     }
     if (std::optional<JsonValue> classId = fields.Find("classId")) {
-      std::string path = fields.PathOf("classId");
+      JsonPath path = fields.PathOf("classId");
       if (!classId->IsArray() || classId->size() != 2) Fail(path, "expected an array of 2 ids");
       data.classId = {ReadIdPart((*classId)[0], Element(path, 0)),
                       ReadIdPart((*classId)[1], Element(path, 1))};
@@ -234,7 +234,7 @@ class Loader {
       ReadParamBlocks(*params, fields.PathOf("params"), data);
   }
 
-  SClass_ID ReadSuperClass(JsonValue value, const std::string& path) {
+  SClass_ID ReadSuperClass(JsonValue value, const JsonPath& path) {
     if (value.IsNumber()) return static_cast<SClass_ID>(ReadIdPart(value, path));
     return ReadName(kSuperClasses, value, path, "super class");
   }
@@ -288,7 +288,7 @@ class Loader {
     Fields derived(fields.Get("derived"), fields.PathOf("derived"), {"object", "modifiers"});
     object.objRef = Resolve<Object>(derived.Get("object"), derived.PathOf("object"), "object");
     if (std::optional<JsonValue> modifiers = derived.Find("modifiers")) {
-      std::string path = derived.PathOf("modifiers");
+      JsonPath path = derived.PathOf("modifiers");
       RequireArray(*modifiers, path);
       for (size_t i = 0; i < modifiers->size(); ++i) {
         object.modifiers.push_back(
@@ -317,7 +317,7 @@ class Loader {
   void ReadMaterial(const Fields& fields, MemMtl& material) {
     ReadMtlBase(fields, material);
     if (std::optional<JsonValue> subs = fields.Find("subMaterials")) {
-      std::string path = fields.PathOf("subMaterials");
+      JsonPath path = fields.PathOf("subMaterials");
       RequireArray(*subs, path);
       for (size_t i = 0; i < subs->size(); ++i) {
         material.subMaterials.push_back(Resolve<Mtl>((*subs)[i], Element(path, i), "material"));
@@ -341,7 +341,7 @@ class Loader {
     }
   }
 
-  std::vector<MapSlot> ReadSlots(JsonValue value, const std::string& path) {
+  std::vector<MapSlot> ReadSlots(JsonValue value, const JsonPath& path) {
     RequireArray(value, path);
     std::vector<MapSlot> slots;
     for (size_t i = 0; i < value.size(); ++i) {
@@ -359,7 +359,7 @@ class Loader {
     return slots;
   }
 
-  StandardMaterialData ReadStandard(JsonValue value, const std::string& path) {
+  StandardMaterialData ReadStandard(JsonValue value, const JsonPath& path) {
     Fields fields(value, path,
                   {"diffuse", "specular", "filter", "shininess", "shininessStrength", "opacity",
                    "selfIllum", "ior", "twoSided", "wire"});
@@ -377,7 +377,7 @@ class Loader {
     return standard;
   }
 
-  BitmapData ReadBitmap(JsonValue value, const std::string& path) {
+  BitmapData ReadBitmap(JsonValue value, const JsonPath& path) {
     Fields fields(value, path, {"mapName", "loadedGamma", "uvGen"});
     BitmapData bitmap;
     ReadOptional(fields, "mapName", bitmap.mapName, ReadText);
@@ -400,12 +400,12 @@ class Loader {
     return bitmap;
   }
 
-  std::unique_ptr<MemCurveCtl> ReadCurveCtl(JsonValue value, const std::string& path) {
+  std::unique_ptr<MemCurveCtl> ReadCurveCtl(JsonValue value, const JsonPath& path) {
     RequireArray(value, path);
     auto control = std::make_unique<MemCurveCtl>();
     for (size_t c = 0; c < value.size(); ++c) {
       JsonValue curve = value[c];
-      std::string curvePath = Element(path, c);
+      JsonPath curvePath = Element(path, c);
       if (curve.IsNull()) {
         control->curves.push_back(nullptr);
         continue;
@@ -413,7 +413,7 @@ class Loader {
       RequireArray(curve, curvePath);
       auto points = std::make_unique<MemCurve>();
       for (size_t p = 0; p < curve.size(); ++p) {
-        std::string pointPath = Element(curvePath, p);
+        JsonPath pointPath = Element(curvePath, p);
         if (!curve[p].IsArray() || curve[p].size() != 2) Fail(pointPath, "expected a point [x, y]");
         float x = ReadFloat(curve[p][0], Element(pointPath, 0));
         if (!points->points.empty() && x < points->points.back().first) {
@@ -426,7 +426,7 @@ class Loader {
     return control;
   }
 
-  CameraData ReadCamera(JsonValue value, const std::string& path) {
+  CameraData ReadCamera(JsonValue value, const JsonPath& path) {
     Fields fields(value, path,
                   {"fov", "ortho", "targetDistance", "manualClip", "nearClip", "farClip"});
     CameraData camera;
@@ -439,11 +439,11 @@ class Loader {
     return camera;
   }
 
-  MemMesh ReadMesh(JsonValue value, const std::string& path) {
+  MemMesh ReadMesh(JsonValue value, const JsonPath& path) {
     Fields fields(value, path, {"vertices", "faces", "vertexColors", "colorFaces"});
     MemMesh mesh;
     mesh.vertices = ReadPointList(fields, "vertices");
-    std::string facesPath = fields.PathOf("faces");
+    JsonPath facesPath = fields.PathOf("faces");
     JsonValue faces = RequireArray(fields.Get("faces"), facesPath);
     mesh.faces.reserve(faces.size());
     for (size_t f = 0; f < faces.size(); ++f) {
@@ -452,7 +452,7 @@ class Loader {
         mesh.faces.push_back(*plain);
         continue;
       }
-      std::string facePath = Element(facesPath, f);
+      JsonPath facePath = Element(facesPath, f);
       if (!face.IsArray() || (face.size() != 3 && face.size() != 4)) {
         Fail(facePath, "expected [a, b, c] or [a, b, c, materialId]");
       }
@@ -467,7 +467,7 @@ class Loader {
     if (std::optional<JsonValue> colorFaces = fields.Find("colorFaces")) {
       RequireArray(*colorFaces, fields.PathOf("colorFaces"));
       for (size_t f = 0; f < colorFaces->size(); ++f) {
-        std::string facePath = Element(fields.PathOf("colorFaces"), f);
+        JsonPath facePath = Element(fields.PathOf("colorFaces"), f);
         if (!(*colorFaces)[f].IsArray() || (*colorFaces)[f].size() != 3)
           Fail(facePath, "expected [a, b, c]");
         mesh.colorFaces.push_back(ReadIndices((*colorFaces)[f], facePath, mesh.vertexColors.size(),
@@ -481,7 +481,7 @@ class Loader {
     std::vector<Point3> points;
     std::optional<JsonValue> list = fields.Find(key);
     if (!list) return points;
-    std::string path = fields.PathOf(key);
+    JsonPath path = fields.PathOf(key);
     RequireArray(*list, path);
     points.reserve(list->size());
     for (size_t i = 0; i < list->size(); ++i) {
@@ -510,7 +510,7 @@ class Loader {
     return plain;
   }
 
-  std::array<int, 3> ReadIndices(JsonValue face, const std::string& path, size_t count,
+  std::array<int, 3> ReadIndices(JsonValue face, const JsonPath& path, size_t count,
                                  const std::string& what, const std::string& plural) {
     std::array<int, 3> indices{};
     for (size_t k = 0; k < 3; ++k) {
@@ -525,10 +525,10 @@ class Loader {
     return indices;
   }
 
-  void ReadParamBlocks(JsonValue value, const std::string& path, AnimatableData& data) {
+  void ReadParamBlocks(JsonValue value, const JsonPath& path, AnimatableData& data) {
     RequireArray(value, path);
     for (size_t b = 0; b < value.size(); ++b) {
-      std::string blockPath = Element(path, b);
+      JsonPath blockPath = Element(path, b);
       if (value[b].IsNull()) {
         data.blocks.push_back(nullptr);
         continue;
@@ -542,7 +542,7 @@ class Loader {
     }
   }
 
-  MemParam ReadParam(JsonValue value, const std::string& path) {
+  MemParam ReadParam(JsonValue value, const JsonPath& path) {
     Fields fields(value, path, {"name", "type", "value"});
     MemParam param;
     JsonValue name = fields.Get("name");
@@ -553,7 +553,7 @@ class Loader {
                                                               std::numeric_limits<int>::max()))
                         : ReadParamType(type, fields.PathOf("type"));
     JsonValue paramValue = fields.Get("value");
-    std::string valuePath = fields.PathOf("value");
+    JsonPath valuePath = fields.PathOf("value");
     // A type given by its code holds no readable value, whatever the code.
     int baseType = byCode ? -1 : param.type & ~TYPE_TAB;
     if ((param.type & TYPE_TAB) != 0) {
@@ -567,7 +567,7 @@ class Loader {
     return param;
   }
 
-  ParamType2 ReadParamType(JsonValue value, const std::string& path) {
+  ParamType2 ReadParamType(JsonValue value, const JsonPath& path) {
     std::string name = ReadString(value, path);
     bool table = name.size() > 4 && name.compare(name.size() - 4, 4, "_tab") == 0;
     std::string base = table ? name.substr(0, name.size() - 4) : name;
@@ -577,7 +577,7 @@ class Loader {
     Fail(path, "unknown parameter type \"" + name + "\"");
   }
 
-  ParamElement ReadElement(JsonValue value, const std::string& path, int baseType) {
+  ParamElement ReadElement(JsonValue value, const JsonPath& path, int baseType) {
     switch (baseType) {
       case TYPE_FLOAT:
       case TYPE_ANGLE:
@@ -614,7 +614,7 @@ class Loader {
 
   // null, or the id of an animatable of type T.
   template <class T>
-  T* Resolve(JsonValue value, const std::string& path, const std::string& what) {
+  T* Resolve(JsonValue value, const JsonPath& path, const std::string& what) {
     if (value.IsNull()) return nullptr;
     std::string id = ReadString(value, path);
     T* found = dynamic_cast<T*>(scene_->FindById(id));
@@ -622,7 +622,7 @@ class Loader {
     return found;
   }
 
-  Texmap* ResolveMap(JsonValue value, const std::string& path) {
+  Texmap* ResolveMap(JsonValue value, const JsonPath& path) {
     return Resolve<Texmap>(value, path, "map");
   }
 
@@ -668,13 +668,13 @@ class Loader {
   }
 
   void CheckHandles() {
-    std::map<AnimHandle, std::string> seen;
+    std::map<AnimHandle, JsonPath> seen;
     for (const auto& [handle, path] : handlePaths_) {
       if (handle == 0) continue;
       auto [existing, inserted] = seen.emplace(handle, path);
       if (!inserted) {
         Fail(path, "duplicate handle " + std::to_string(handle) + " (first used at " +
-                       existing->second + ")");
+                       existing->second.Text() + ")");
       }
     }
   }
@@ -682,8 +682,8 @@ class Loader {
   JsonValue root_;
   std::filesystem::path folder_;
   std::unique_ptr<MemScene> scene_;
-  std::map<std::string, std::string> idPaths_;
-  std::vector<std::pair<AnimHandle, std::string>> handlePaths_;
+  std::map<std::string, JsonPath> idPaths_;
+  std::vector<std::pair<AnimHandle, JsonPath>> handlePaths_;
   Declared<MemNode> nodes_;
   Declared<MemObject> objects_;
   Declared<MemDerivedObject> derived_;

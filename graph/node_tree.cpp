@@ -1,5 +1,6 @@
 #include "graph/node_tree.h"
 
+#include <algorithm>
 #include <limits>
 #include <optional>
 #include <set>
@@ -255,8 +256,8 @@ void AppendDecimal(std::u16string& out, uint32_t value) {
     digits[count++] = static_cast<char16_t>(u'0' + value % 10);
     value /= 10;
   } while (value != 0);
-  while (count > 0)
-    out += digits[--count];
+  std::reverse(digits, digits + count);
+  out.append(digits, static_cast<size_t>(count));
 }
 
 std::u16string Render(const TreeTemplate& tree, NodeTreeState& state) {

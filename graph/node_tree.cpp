@@ -223,15 +223,18 @@ std::optional<TreeTemplate> MakeTemplate(const std::u16string& text, uint32_t ba
   TreeTemplate made;
   made.idCount = state.nodeCounter - base;
   size_t start = 0, nodeIds = 0;
+  // The next place of each key, searched again only once the walk has passed it: searching both
+  // from every id would scan a tree of n ids n times.
+  size_t next[] = {text.find(kIdKeys[0]), text.find(kIdKeys[1])};
   for (;;) {
-    size_t at = std::u16string::npos, keyLength = 0;
-    for (std::u16string_view key : kIdKeys) {
-      size_t found = text.find(key, start);
-      if (found < at) at = found, keyLength = key.size();
+    for (size_t k = 0; k < 2; ++k) {
+      if (next[k] < start) next[k] = text.find(kIdKeys[k], start);
     }
+    size_t key = next[0] < next[1] ? 0 : 1;
+    size_t at = next[key];
     if (at == std::u16string::npos) break;
-    if (keyLength == kIdKeys[0].size()) ++nodeIds;
-    size_t digits = at + keyLength, end = digits;
+    if (key == 0) ++nodeIds;
+    size_t digits = at + kIdKeys[key].size(), end = digits;
     uint64_t id = 0;
     while (end < text.size() && text[end] >= u'0' && text[end] <= u'9' && end - digits < 10)
       id = id * 10 + (text[end++] - u'0');

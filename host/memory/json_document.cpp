@@ -4,55 +4,6 @@
 
 namespace orvane::host::memory {
 
-JsonKind JsonValue::kind() const {
-  return document_->nodes_[node_].kind;
-}
-
-bool JsonValue::Bool() const {
-  return document_->nodes_[node_].boolean;
-}
-
-int64_t JsonValue::Signed() const {
-  return document_->nodes_[node_].signedValue;
-}
-
-uint64_t JsonValue::Unsigned() const {
-  return document_->nodes_[node_].unsignedValue;
-}
-
-double JsonValue::Double() const {
-  const JsonDocument::Node& node = document_->nodes_[node_];
-  switch (node.kind) {
-    case JsonKind::kSigned: return static_cast<double>(node.signedValue);
-    case JsonKind::kUnsigned: return static_cast<double>(node.unsignedValue);
-    default: return node.doubleValue;
-  }
-}
-
-std::string_view JsonValue::String() const {
-  const JsonDocument::Node& node = document_->nodes_[node_];
-  return std::string_view(document_->text_).substr(node.offset, node.count);
-}
-
-size_t JsonValue::size() const {
-  const JsonDocument::Node& node = document_->nodes_[node_];
-  return node.kind == JsonKind::kArray || node.kind == JsonKind::kObject ? node.count : 0;
-}
-
-JsonValue JsonValue::operator[](size_t element) const {
-  return JsonValue(*document_, document_->children_[document_->nodes_[node_].offset + element]);
-}
-
-std::string_view JsonValue::KeyAt(size_t member) const {
-  return JsonValue(*document_, document_->children_[document_->nodes_[node_].offset + 2 * member])
-      .String();
-}
-
-JsonValue JsonValue::ValueAt(size_t member) const {
-  return JsonValue(*document_,
-                   document_->children_[document_->nodes_[node_].offset + 2 * member + 1]);
-}
-
 std::optional<JsonValue> JsonValue::Find(std::string_view key) const {
   if (!IsObject()) return std::nullopt;
   for (size_t member = 0; member < size(); ++member) {

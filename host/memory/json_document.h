@@ -91,6 +91,55 @@ class JsonDocument {
   std::string text_;
 };
 
+// The accessors the reader calls for every value are inline: a 100,000-object file makes
+// hundreds of millions of such calls.
+inline JsonKind JsonValue::kind() const {
+  return document_->nodes_[node_].kind;
+}
+
+inline bool JsonValue::Bool() const {
+  return document_->nodes_[node_].boolean;
+}
+
+inline int64_t JsonValue::Signed() const {
+  return document_->nodes_[node_].signedValue;
+}
+
+inline uint64_t JsonValue::Unsigned() const {
+  return document_->nodes_[node_].unsignedValue;
+}
+
+inline double JsonValue::Double() const {
+  const JsonDocument::Node& node = document_->nodes_[node_];
+  switch (node.kind) {
+    case JsonKind::kSigned: return static_cast<double>(node.signedValue);
+    case JsonKind::kUnsigned: return static_cast<double>(node.unsignedValue);
+    default: return node.doubleValue;
+  }
+}
+
+inline size_t JsonValue::size() const {
+  const JsonDocument::Node& node = document_->nodes_[node_];
+  return node.kind == JsonKind::kArray || node.kind == JsonKind::kObject ? node.count : 0;
+}
+
+inline JsonValue JsonValue::operator[](size_t element) const {
+  return JsonValue(*document_, document_->children_[document_->nodes_[node_].offset + element]);
+}
+
+inline std::string_view JsonValue::String() const {
+  const JsonDocument::Node& node = document_->nodes_[node_];
+  return std::string_view(document_->text_.data() + node.offset, node.count);
+}
+
+inline std::string_view JsonValue::KeyAt(size_t member) const {
+  return (*this)[2 * member].String();
+}
+
+inline JsonValue JsonValue::ValueAt(size_t member) const {
+  return (*this)[2 * member + 1];
+}
+
 // Builds a document from a parser's events in text order. Keys are not checked for duplicates
 // here: each parser reports them in its own way.
 class JsonDocumentBuilder {

@@ -5,6 +5,7 @@
 #endif
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -230,15 +231,14 @@ class StrictDocumentBuilder {
     return true;
   }
   std::string Path() const {
-    std::string path;
+    JsonPath wholeFile;
+    std::vector<JsonPath> links;
+    links.reserve(frames_.size());  // each link points at the one before it: no reallocation
     for (const Frame& frame : frames_) {
-      if (frame.isObject) {
-        path += (path.empty() ? "" : ".") + frame.key;
-      } else {
-        path += "[" + std::to_string(frame.count - 1) + "]";
-      }
+      const JsonPath& outer = links.empty() ? wholeFile : links.back();
+      links.push_back(frame.isObject ? Member(outer, frame.key) : Element(outer, frame.count - 1));
     }
-    return path;
+    return links.empty() ? std::string() : links.back().Text();
   }
 
   JsonDocumentBuilder document_;
@@ -297,21 +297,28 @@ void Measure(simdjson::dom::element value, DocumentSize& size) {
 }
 
 // Keys are compared pairwise in small objects and sorted in large ones.
-bool HasDuplicateKeys(simdjson::dom::object object) {
-  constexpr size_t kPairwiseLimit = 16;
+bool HasDuplicateKeysSorted(simdjson::dom::object object) {
   std::vector<std::string_view> keys;
   for (simdjson::dom::key_value_pair member : object)
     keys.push_back(member.key);
-  if (keys.size() <= kPairwiseLimit) {
-    for (size_t i = 0; i < keys.size(); ++i) {
-      for (size_t k = 0; k < i; ++k) {
-        if (keys[i] == keys[k]) return true;
-      }
-    }
-    return false;
-  }
   std::sort(keys.begin(), keys.end());
   return std::adjacent_find(keys.begin(), keys.end()) != keys.end();
+}
+
+// Scene-file objects are small: their keys are compared pairwise without allocating, and only an
+// object of more than 16 members has its keys sorted.
+bool HasDuplicateKeys(simdjson::dom::object object) {
+  constexpr size_t kPairwiseLimit = 16;
+  std::array<std::string_view, kPairwiseLimit> keys;
+  size_t count = 0;
+  for (simdjson::dom::key_value_pair member : object) {
+    if (count == kPairwiseLimit) return HasDuplicateKeysSorted(object);
+    if (std::find(keys.begin(), keys.begin() + count, member.key) != keys.begin() + count) {
+      return true;
+    }
+    keys[count++] = member.key;
+  }
+  return false;
 }
 
 // simdjson finds the text's structure several times faster than nlohmann's own lexer. Whatever

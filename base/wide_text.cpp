@@ -22,7 +22,7 @@ bool IsLowSurrogate(char16_t unit) {
   return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-void AppendUtf8(std::string& out, char32_t code) {
+void AppendCodePoint(std::string& out, char32_t code) {
   if (code < 0x80) {
     out += static_cast<char>(code);
   } else if (code < 0x800) {
@@ -71,13 +71,14 @@ LeadInfo ClassifyLead(unsigned char lead) {
 
 }  // namespace
 
-std::string ToUtf8(std::u16string_view text) {
+void AppendUtf8(std::string& out, std::u16string_view text) {
   // Most of what is converted (the package above all) is ASCII: copied in blocks the compiler
   // turns into vector instructions, then unit by unit, until the first unit that is not.
-  std::string out(text.size(), '\0');
+  size_t start = out.size();
+  out.resize(start + text.size());
   constexpr size_t kBlock = 16;
   const char16_t* from = text.data();
-  char* to = out.data();
+  char* to = out.data() + start;
   size_t i = 0;
   for (; i + kBlock <= text.size(); i += kBlock) {
     char16_t units[kBlock];  // local copies, so that no store may alias a load
@@ -92,24 +93,29 @@ std::string ToUtf8(std::u16string_view text) {
     std::memcpy(to + i, bytes, sizeof bytes);
   }
   for (; i < text.size() && text[i] < 0x80; ++i)
-    out[i] = static_cast<char>(text[i]);
-  if (i == text.size()) return out;
-  out.resize(i);
-  out.reserve(i + 3 * (text.size() - i));
+    to[i] = static_cast<char>(text[i]);
+  if (i == text.size()) return;
+  out.resize(start + i);
+  out.reserve(start + i + 3 * (text.size() - i));
   for (; i < text.size(); ++i) {
     char16_t unit = text[i];
     if (unit < 0x80) {
       out += static_cast<char>(unit);
     } else if (IsHighSurrogate(unit) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
       char32_t code = 0x10000 + ((char32_t{unit} - 0xD800) << 10) + (text[i + 1] - 0xDC00);
-      AppendUtf8(out, code);
+      AppendCodePoint(out, code);
       ++i;
     } else if (IsHighSurrogate(unit) || IsLowSurrogate(unit)) {
-      AppendUtf8(out, kReplacement);
+      AppendCodePoint(out, kReplacement);
     } else {
-      AppendUtf8(out, unit);
+      AppendCodePoint(out, unit);
     }
   }
+}
+
+std::string ToUtf8(std::u16string_view text) {
+  std::string out;
+  AppendUtf8(out, text);
   return out;
 }
 

@@ -11,6 +11,8 @@ namespace orvane {
 
 // Ill-formed input (lone surrogates) becomes U+FFFD.
 std::string ToUtf8(std::u16string_view text);
+// The same, appended: text written piece by piece goes out without a wide copy of the whole.
+void AppendUtf8(std::string& out, std::u16string_view text);
 // Ill-formed input becomes U+FFFD, one per maximal ill-formed subpart.
 std::u16string FromUtf8(std::string_view bytes);
 

@@ -66,8 +66,11 @@ void BM_MaterialLibrary(benchmark::State& state) {
   for (auto _ : state) {
     NodeTreeState tree;
     size_t bytes = 0;
+    std::string record;
     for (const auto& material : scene->materials()) {
-      bytes += BuildMaterialRecord(context, tree, material.get(), errors).size();
+      record.clear();
+      AppendMaterialRecord(context, tree, material.get(), errors, record);
+      bytes += record.size();
     }
     benchmark::DoNotOptimize(bytes);
   }

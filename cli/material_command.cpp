@@ -22,7 +22,9 @@ int RunMaterial(const std::vector<std::string>& args, std::ostream& out, std::os
     WriteContext context{scene, scene.GetTime()};
     NodeTreeState state;
     std::vector<std::u16string> errors;
-    out << ToUtf8(BuildMaterialRecord(context, state, node->GetMtl(), errors)) << "\n";
+    std::string record;
+    AppendMaterialRecord(context, state, node->GetMtl(), errors, record);
+    out << record << "\n";
     return kExitOk;
   }
   err << "orvane: " << args[0] << ": no node named \"" << args[1] << "\"\n";

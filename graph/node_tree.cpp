@@ -213,12 +213,12 @@ void TreeWriter::WriteLayers(const host::Mtl& material, const std::u16string& in
   }
 }
 
-constexpr std::u16string_view kIdKeys[] = {u"\"node_id\": ", u"{ \"ref\": "};
+constexpr std::string_view kIdKeys[] = {"\"node_id\": ", "{ \"ref\": "};
 
 // The template of `text`, a tree just written from counter `base`: every id is found after the
 // writer's own "node_id" and "ref" keys. Nullopt unless exactly the ids the writer wrote are
 // found (a member of the same name would add one).
-std::optional<TreeTemplate> MakeTemplate(const std::u16string& text, uint32_t base,
+std::optional<TreeTemplate> MakeTemplate(std::string_view text, uint32_t base,
                                          const NodeTreeState& state, int refs) {
   TreeTemplate made;
   made.idCount = state.nodeCounter - base;
@@ -232,12 +232,12 @@ std::optional<TreeTemplate> MakeTemplate(const std::u16string& text, uint32_t ba
     }
     size_t key = next[0] < next[1] ? 0 : 1;
     size_t at = next[key];
-    if (at == std::u16string::npos) break;
+    if (at == std::string_view::npos) break;
     if (key == 0) ++nodeIds;
     size_t digits = at + kIdKeys[key].size(), end = digits;
     uint64_t id = 0;
-    while (end < text.size() && text[end] >= u'0' && text[end] <= u'9' && end - digits < 10)
-      id = id * 10 + (text[end++] - u'0');
+    while (end < text.size() && text[end] >= '0' && text[end] <= '9' && end - digits < 10)
+      id = id * 10 + static_cast<uint64_t>(text[end++] - '0');
     if (end == digits || id <= base || id > state.nodeCounter) return std::nullopt;
     made.text.append(text, start, digits - start);
     made.ids.push_back({made.text.size(), static_cast<uint32_t>(id - base)});
@@ -252,32 +252,30 @@ std::optional<TreeTemplate> MakeTemplate(const std::u16string& text, uint32_t ba
   return made;
 }
 
-void AppendDecimal(std::u16string& out, uint32_t value) {
-  char16_t digits[10];
+void AppendDecimal(std::string& out, uint32_t value) {
+  char digits[10];
   int count = 0;
   do {
-    digits[count++] = static_cast<char16_t>(u'0' + value % 10);
+    digits[count++] = static_cast<char>('0' + value % 10);
     value /= 10;
   } while (value != 0);
   std::reverse(digits, digits + count);
   out.append(digits, static_cast<size_t>(count));
 }
 
-std::u16string Render(const TreeTemplate& tree, NodeTreeState& state) {
+void Render(const TreeTemplate& tree, NodeTreeState& state, std::string& out) {
   uint32_t base = state.nodeCounter;
-  std::u16string text;
-  text.reserve(tree.text.size() + 8 * tree.ids.size());
+  out.reserve(out.size() + tree.text.size() + 8 * tree.ids.size());
   size_t copied = 0;
   for (const TreeTemplate::Id& id : tree.ids) {
-    text.append(tree.text, copied, id.at - copied);
-    AppendDecimal(text, base + id.offset);
+    out.append(tree.text, copied, id.at - copied);
+    AppendDecimal(out, base + id.offset);
     copied = id.at;
   }
-  text.append(tree.text, copied);
+  out.append(tree.text, copied);
   state.nodeCounter += tree.idCount;
   for (const auto& [handle, offset] : tree.visited)
     state.visited.emplace(handle, base + offset);
-  return text;
 }
 
 }  // namespace
@@ -286,21 +284,35 @@ void ResetVisitedNodes(NodeTreeState& state) {
   state.visited.clear();
 }
 
-std::u16string WriteNodeTree(const WriteContext& context, NodeTreeState& state,
-                             const host::MtlBase* object, int depth) {
-  if (context.trees == nullptr || object == nullptr || !state.visited.empty())
-    return TreeWriter(context, state).Write(object, depth);
+void AppendNodeTree(const WriteContext& context, NodeTreeState& state,
+                    const host::MtlBase* object, int depth, std::string& out) {
+  if (context.trees == nullptr || object == nullptr || !state.visited.empty()) {
+    AppendUtf8(out, TreeWriter(context, state).Write(object, depth));
+    return;
+  }
   auto& cache = context.trees->byRoot;
   auto key = std::make_pair(object, depth);
   if (auto found = cache.find(key); found != cache.end()) {
-    if (found->second) return Render(*found->second, state);
-    return TreeWriter(context, state).Write(object, depth);
+    if (found->second) {
+      Render(*found->second, state, out);
+    } else {
+      AppendUtf8(out, TreeWriter(context, state).Write(object, depth));
+    }
+    return;
   }
   uint32_t base = state.nodeCounter;
   TreeWriter writer(context, state);
-  std::u16string text = writer.Write(object, depth);
+  size_t start = out.size();
+  AppendUtf8(out, writer.Write(object, depth));
+  std::string_view text(out.data() + start, out.size() - start);
   cache.emplace(key, MakeTemplate(text, base, state, writer.refsWritten()));
-  return text;
+}
+
+std::u16string WriteNodeTree(const WriteContext& context, NodeTreeState& state,
+                             const host::MtlBase* object, int depth) {
+  std::string text;
+  AppendNodeTree(context, state, object, depth, text);
+  return FromUtf8(text);
 }
 
 }  // namespace orvane

@@ -1,7 +1,6 @@
 // What every parameter writer needs from the scene besides the object it writes.
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -40,7 +39,7 @@ struct TreeTemplate {
     size_t at = 0;
     uint32_t offset = 0;
   };
-  std::u16string text;
+  std::string text;  // UTF-8, as the package carries it
   std::vector<Id> ids;
   uint32_t idCount = 0;
   std::vector<std::pair<host::AnimHandle, uint32_t>> visited;
@@ -49,7 +48,15 @@ struct TreeTemplate {
 // By root object and depth; nullopt for a tree whose ids could not all be accounted for, which
 // is then written afresh every time.
 struct TreeTemplates {
-  std::map<std::pair<const host::MtlBase*, int>, std::optional<TreeTemplate>> byRoot;
+  using Root = std::pair<const host::MtlBase*, int>;
+  // Hashed: one lookup per object record, and an ordered tree of tens of thousands of roots
+  // costs a cache miss at every level.
+  struct RootHash {
+    size_t operator()(const Root& root) const {
+      return std::hash<const void*>()(root.first) ^ static_cast<size_t>(root.second);
+    }
+  };
+  std::unordered_map<Root, std::optional<TreeTemplate>, RootHash> byRoot;
 };
 
 struct WriteContext {

@@ -15,38 +15,49 @@ bool IsMultiMaterial(const host::Mtl& material) {
 
 namespace {
 
-std::u16string SlotRecord(const WriteContext& context, NodeTreeState& state, const host::Mtl* sub,
-                          int index) {
+void AppendSlotRecord(const WriteContext& context, NodeTreeState& state, const host::Mtl* sub,
+                      int index, std::string& out) {
   ResetVisitedNodes(state);
-  std::u16string tree = sub != nullptr ? WriteNodeTree(context, state, sub, 3) : u"null";
   std::u16string name = sub != nullptr ? sub->GetName() : std::u16string();
-  return u"      {\n        \"material_id\": " + AsciiToWide(std::to_string(index + 1)) +
-         u",\n        \"material_name\": \"" + EscapeJsonString(name) +
-         u"\",\n        \"node_tree\": " + tree + u"\n      }";
+  out += "      {\n        \"material_id\": " + std::to_string(index + 1) +
+         ",\n        \"material_name\": \"";
+  AppendUtf8(out, EscapeJsonString(name));
+  out += "\",\n        \"node_tree\": ";
+  AppendNodeTree(context, state, sub, 3, out);
+  out += "\n      }";
 }
 
 }  // namespace
 
-std::u16string BuildMaterialRecord(const WriteContext& context, NodeTreeState& state,
-                                   const host::Mtl* material, std::vector<std::u16string>&) {
-  if (material == nullptr) return u"null";
-  if (!IsMultiMaterial(*material)) {
-    ResetVisitedNodes(state);
-    std::u16string tree = WriteNodeTree(context, state, material, 2);
-    return u"{\n      \"type\": \"" +
-           EscapeJsonString(NormalizeClassTypeName(material->GetClassName(), true)) +
-           u"\",\n      \"name\": \"" + EscapeJsonString(material->GetName()) +
-           u"\",\n      \"node_tree\": " + tree + u"\n    }";
+void AppendMaterialRecord(const WriteContext& context, NodeTreeState& state,
+                          const host::Mtl* material, std::vector<std::u16string>&,
+                          std::string& out) {
+  if (material == nullptr) {
+    out += "null";
+    return;
   }
-  std::u16string record = u"{\n      \"type\": \"Multimaterial\",\n      \"name\": \"" +
-                          EscapeJsonString(material->GetName()) +
-                          u"\",\n      \"sub_materials\": [\n";
+  if (!IsMultiMaterial(*material)) {
+    std::u16string type = NormalizeClassTypeName(material->GetClassName(), true);
+    std::u16string name = material->GetName();
+    ResetVisitedNodes(state);
+    out += "{\n      \"type\": \"";
+    AppendUtf8(out, EscapeJsonString(type));
+    out += "\",\n      \"name\": \"";
+    AppendUtf8(out, EscapeJsonString(name));
+    out += "\",\n      \"node_tree\": ";
+    AppendNodeTree(context, state, material, 2, out);
+    out += "\n    }";
+    return;
+  }
+  out += "{\n      \"type\": \"Multimaterial\",\n      \"name\": \"";
+  AppendUtf8(out, EscapeJsonString(material->GetName()));
+  out += "\",\n      \"sub_materials\": [\n";
   int slots = material->NumSubMtls();
   for (int i = 0; i < slots; ++i) {
-    record += SlotRecord(context, state, material->GetSubMtl(i), i);
-    record += i + 1 < slots ? u",\n" : u"\n";
+    AppendSlotRecord(context, state, material->GetSubMtl(i), i, out);
+    out += i + 1 < slots ? ",\n" : "\n";
   }
-  return record + u"      ]\n    }";
+  out += "      ]\n    }";
 }
 
 }  // namespace orvane

@@ -13,9 +13,10 @@ namespace orvane {
 // The standard multi-material, or a class named like one ("Multi" without "Texture").
 bool IsMultiMaterial(const host::Mtl& material);
 
-// "null" without a material. Indented for its place in an object record. `errors` is the
-// object's error list; nothing here adds to it.
-std::u16string BuildMaterialRecord(const WriteContext& context, NodeTreeState& state,
-                                   const host::Mtl* material, std::vector<std::u16string>& errors);
+// The record as UTF-8 appended to `out`; "null" without a material. Indented for its place in
+// an object record. `errors` is the object's error list; nothing here adds to it.
+void AppendMaterialRecord(const WriteContext& context, NodeTreeState& state,
+                          const host::Mtl* material, std::vector<std::u16string>& errors,
+                          std::string& out);
 
 }  // namespace orvane

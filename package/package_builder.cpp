@@ -105,16 +105,18 @@ std::u16string MaterialIds(const WriteContext& context, host::INode& node) {
   return text + u"]";
 }
 
-std::u16string ObjectRecord(const WriteContext& context, NodeTreeState& state, host::INode& node,
-                            Log& log) {
+// One object's record appended to `objects`. `material` is scratch space, kept from record to
+// record so that its capacity is reused.
+void AppendObjectRecord(const WriteContext& context, NodeTreeState& state, host::INode& node,
+                        Log& log, std::string& material, TextBlocks& objects) {
   std::u16string ids = MaterialIds(context, node);
   std::vector<std::u16string> errors;
-  std::u16string material;
+  material.clear();
   try {
-    material = BuildMaterialRecord(context, state, node.GetMtl(), errors);
+    AppendMaterialRecord(context, state, node.GetMtl(), errors, material);
   } catch (...) {
     // One broken material must not cost the user the whole package.
-    material = u"null";
+    material = "null";
     errors.push_back(u"buildMaterialJson exception");
   }
   std::u16string name = node.GetName();
@@ -128,11 +130,20 @@ std::u16string ObjectRecord(const WriteContext& context, NodeTreeState& state, h
   std::u16string displacement = BuildDisplacementRecord(context, &node);
   host::Object* evaluated = node.EvalWorldState(context.time);
   std::u16string className = evaluated != nullptr ? evaluated->GetClassName() : std::u16string();
-  return u"  {\n    \"object_name\": \"" + EscapeJsonString(name) +
-         u"\",\n    \"object_class\": \"" + EscapeJsonString(className) +
-         u"\",\n    \"layer\": \"\",\n    \"material_ids\": " + ids +
-         u",\n    \"displacement_mod\": " + displacement + u",\n    \"errors\": " + errorList +
-         u",\n    \"material\": " + material + u"\n  }";
+  std::string head = "  {\n    \"object_name\": \"";
+  AppendUtf8(head, EscapeJsonString(name));
+  head += "\",\n    \"object_class\": \"";
+  AppendUtf8(head, EscapeJsonString(className));
+  head += "\",\n    \"layer\": \"\",\n    \"material_ids\": ";
+  AppendUtf8(head, ids);
+  head += ",\n    \"displacement_mod\": ";
+  AppendUtf8(head, displacement);
+  head += ",\n    \"errors\": ";
+  AppendUtf8(head, errorList);
+  head += ",\n    \"material\": ";
+  objects.Append(head);
+  objects.Append(material);
+  objects.Append("\n  }");
 }
 
 std::u16string Header(const ColorSettings& color, double unitScale,
@@ -181,10 +192,12 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
                 Decimal(static_cast<int64_t>(geometry.size())));
   RenameDuplicates(geometry, log);
 
-  // Records go to UTF-8 one by one, so the package is never held twice as wide text.
+  // Records are written as UTF-8 straight into the blocks: the package is never held as wide
+  // text, and no record is built twice.
   TextBlocks objects;
+  std::string material;
   for (size_t i = 0; i < geometry.size(); ++i) {
-    objects.Append(ToUtf8(ObjectRecord(context, state, *geometry[i], log)));
+    AppendObjectRecord(context, state, *geometry[i], log, material, objects);
     objects.Append(i + 1 < geometry.size() ? ",\n" : "\n");
   }
   std::u16string sections = CollectLightsJson(context, files, log);

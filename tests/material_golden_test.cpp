@@ -29,7 +29,9 @@ std::string RecordOfObject(const fs::path& sceneFile) {
     WriteContext context{*loaded.scene, loaded.scene->GetTime()};
     NodeTreeState state;
     std::vector<std::u16string> errors;
-    return ToUtf8(BuildMaterialRecord(context, state, node->GetMtl(), errors)) + "\n";
+    std::string record;
+    AppendMaterialRecord(context, state, node->GetMtl(), errors, record);
+    return record + "\n";
   }
   ADD_FAILURE() << sceneFile << " has no node named Object";
   return {};

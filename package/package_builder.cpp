@@ -59,6 +59,7 @@ std::u16string Suffixed(const std::u16string& name, int number) {
 // names met so far count, never the rest of the scene.
 void RenameDuplicates(const std::vector<host::INode*>& geometry, Log& log) {
   std::unordered_set<std::u16string> seen;
+  seen.reserve(geometry.size());
   // Where the search for each name's next suffix resumes: every number below it was taken, and
   // taken names stay taken, so the search never has to start again from 1.
   std::unordered_map<std::u16string, int> nextNumber;

@@ -396,7 +396,11 @@ MemObject& MemScene::AddConvertedObject(const MemObject& from) {
   do {
     id = "converted-" + std::to_string(++convertedCount_);
   } while (byId_.count(id) != 0);
-  MemObject& converted = AddObject(std::move(id));
+  // Not registered by id: it is no scene-file entity, and a mesh made only to be read and
+  // deleted again would cost the id table an insertion and an erasure per object record.
+  MemObject& converted = *objects_.emplace_back(std::make_unique<MemObject>());
+  converted.data.id = std::move(id);
+  converted.scene = this;
   converted.data.className = u"Editable Mesh";
   converted.data.classId = Class_ID{0x0009, 0};
   converted.data.superClassId = GEOMOBJECT_CLASS_ID;
@@ -413,7 +417,10 @@ void MemScene::DeleteObject(const MemObject& object) {
                             [&](const auto& item) { return item.get() == &object; });
   if (found == objects_.rend()) return;
   byHandle_.erase(object.data.handle);
-  byId_.erase(object.data.id);
+  if (auto registered = byId_.find(object.data.id);
+      registered != byId_.end() && registered->second == &object) {
+    byId_.erase(registered);
+  }
   objects_.erase(std::next(found).base());
 }
 

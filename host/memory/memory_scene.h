@@ -396,7 +396,7 @@ class MemScene final : public Interface, public IFileResolutionManager {
   MemMtl& AddMaterial(std::string id);
   MemTexmap& AddMap(std::string id);
 
-  // Any animatable by its scene-file id, or null.
+  // Any animatable by its scene-file id, or null (a mesh converted since has none to find).
   Animatable* FindById(const std::string& id) const;
   // Gives every animatable whose handle was not given the next free one.
   void AssignMissingHandles();

@@ -275,16 +275,17 @@ TEST(NodeTree, IdsKeepRisingAcrossTreesAndResets) {
 }
 
 // Trees written again from their templates equal trees written afresh, ids, references and
-// the visited nodes included, whichever trees came between.
+// the visited nodes included, whichever trees came between. Non-ASCII names put the ids at byte
+// offsets that differ from their places in the wide text.
 TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
   auto loaded = host::memory::LoadSceneText(R"({"format": "orvane-scene/1",
     "materials": [
       {"id": "multi", "class": "Multimaterial", "name": "Multi", "subMaterials": ["a", "a", "b"]},
-      {"id": "a", "class": "VRayMtl", "name": "A", "slots": [{"name": "texmap_diffuse", "map": "loop"},
+      {"id": "a", "class": "VRayMtl", "name": "Ä 木", "slots": [{"name": "texmap_diffuse", "map": "loop"},
                                                           {"name": "texmap_bump", "map": "loop"}]},
       {"id": "b", "class": "Foo", "name": "B",
        "params": [[{"name": "level", "type": "int", "value": 3}]]}],
-    "maps": [{"id": "loop", "class": "Mix", "name": "Loop", "slots": [{"name": "map1", "map": "loop"}]}]})",
+    "maps": [{"id": "loop", "class": "Mix", "name": "Schleife 🏠", "slots": [{"name": "map1", "map": "loop"}]}]})",
                                             ".");
   ASSERT_TRUE(loaded.scene) << loaded.error;
   MemScene& scene = *loaded.scene;

@@ -33,6 +33,9 @@ TEST(WideText, WellFormedTextConvertsBothWays) {
   for (const auto& c : cases) {
     EXPECT_EQ(ToUtf8(c.wide), c.utf8) << c.label;
     EXPECT_EQ(FromUtf8(c.utf8), c.wide) << c.label;
+    std::string appended = "already there:";
+    AppendUtf8(appended, c.wide);
+    EXPECT_EQ(appended, "already there:" + c.utf8) << c.label << ", appended";
   }
 }
 

@@ -216,12 +216,12 @@ void TreeWriter::WriteLayers(const host::Mtl& material, const std::u16string& in
 constexpr std::string_view kIdKeys[] = {"\"node_id\": ", "{ \"ref\": "};
 
 // The template of `text`, a tree just written from counter `base`: every id is found after the
-// writer's own "node_id" and "ref" keys. Nullopt unless exactly the ids the writer wrote are
-// found (a member of the same name would add one).
-std::optional<TreeTemplate> MakeTemplate(std::string_view text, uint32_t base,
-                                         const NodeTreeState& state, int refs) {
-  TreeTemplate made;
-  made.idCount = state.nodeCounter - base;
+// writer's own "node_id" and "ref" keys. Null unless exactly the ids the writer wrote are found
+// (a member of the same name would add one).
+std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view text, uint32_t base,
+                                                 const NodeTreeState& state, int refs) {
+  auto made = std::make_unique<TreeTemplate>();
+  made->idCount = state.nodeCounter - base;
   size_t start = 0, nodeIds = 0;
   // The next place of each key, searched again only once the walk has passed it: searching both
   // from every id would scan a tree of n ids n times.
@@ -238,17 +238,17 @@ std::optional<TreeTemplate> MakeTemplate(std::string_view text, uint32_t base,
     uint64_t id = 0;
     while (end < text.size() && text[end] >= '0' && text[end] <= '9' && end - digits < 10)
       id = id * 10 + static_cast<uint64_t>(text[end++] - '0');
-    if (end == digits || id <= base || id > state.nodeCounter) return std::nullopt;
-    made.text.append(text, start, digits - start);
-    made.ids.push_back({made.text.size(), static_cast<uint32_t>(id - base)});
+    if (end == digits || id <= base || id > state.nodeCounter) return nullptr;
+    made->text.append(text, start, digits - start);
+    made->ids.push_back({made->text.size(), static_cast<uint32_t>(id - base)});
     start = end;
   }
-  if (nodeIds != made.idCount || made.ids.size() != nodeIds + static_cast<size_t>(refs)) {
-    return std::nullopt;
+  if (nodeIds != made->idCount || made->ids.size() != nodeIds + static_cast<size_t>(refs)) {
+    return nullptr;
   }
-  made.text.append(text, start);
+  made->text.append(text, start);
   for (const auto& [handle, id] : state.visited)
-    made.visited.emplace_back(handle, id - base);
+    made->visited.emplace_back(handle, id - base);
   return made;
 }
 

@@ -1,6 +1,7 @@
 // What every parameter writer needs from the scene besides the object it writes.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -45,18 +46,19 @@ struct TreeTemplate {
   std::vector<std::pair<host::AnimHandle, uint32_t>> visited;
 };
 
-// By root object and depth; nullopt for a tree whose ids could not all be accounted for, which
-// is then written afresh every time.
+// By root object and depth; null for a tree whose ids could not all be accounted for, which is
+// then written afresh every time.
 struct TreeTemplates {
   using Root = std::pair<const host::MtlBase*, int>;
   // Hashed: one lookup per object record, and an ordered tree of tens of thousands of roots
-  // costs a cache miss at every level.
+  // costs a cache miss at every level. The templates are held apart so that an entry fits in
+  // one cache line.
   struct RootHash {
     size_t operator()(const Root& root) const {
       return std::hash<const void*>()(root.first) ^ static_cast<size_t>(root.second);
     }
   };
-  std::unordered_map<Root, std::optional<TreeTemplate>, RootHash> byRoot;
+  std::unordered_map<Root, std::unique_ptr<const TreeTemplate>, RootHash> byRoot;
 };
 
 struct WriteContext {

@@ -10,6 +10,7 @@
 #include "graph/param_lookup.h"
 #include "graph/script_probes.h"
 #include "graph/slot_switch.h"
+#include "graph/tree_template.h"
 
 namespace orvane {
 
@@ -213,99 +214,37 @@ void TreeWriter::WriteLayers(const host::Mtl& material, const std::u16string& in
   }
 }
 
-constexpr std::string_view kIdKeys[] = {"\"node_id\": ", "{ \"ref\": "};
-
-// The template of `text`, a tree just written from counter `base`: every id is found after the
-// writer's own "node_id" and "ref" keys. Null unless exactly the ids the writer wrote are found
-// (a member of the same name would add one).
-std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view text, uint32_t base,
-                                                 const NodeTreeState& state, int refs) {
-  auto made = std::make_unique<TreeTemplate>();
-  made->idCount = state.nodeCounter - base;
-  size_t start = 0, nodeIds = 0;
-  // The next place of each key, searched again only once the walk has passed it: searching both
-  // from every id would scan a tree of n ids n times.
-  size_t next[] = {text.find(kIdKeys[0]), text.find(kIdKeys[1])};
-  for (;;) {
-    for (size_t k = 0; k < 2; ++k) {
-      if (next[k] < start) next[k] = text.find(kIdKeys[k], start);
-    }
-    size_t key = next[0] < next[1] ? 0 : 1;
-    size_t at = next[key];
-    if (at == std::string_view::npos) break;
-    if (key == 0) ++nodeIds;
-    size_t digits = at + kIdKeys[key].size(), end = digits;
-    uint64_t id = 0;
-    while (end < text.size() && text[end] >= '0' && text[end] <= '9' && end - digits < 10)
-      id = id * 10 + static_cast<uint64_t>(text[end++] - '0');
-    if (end == digits || id <= base || id > state.nodeCounter) return nullptr;
-    made->text.append(text, start, digits - start);
-    made->ids.push_back({made->text.size(), static_cast<uint32_t>(id - base)});
-    start = end;
-  }
-  if (nodeIds != made->idCount || made->ids.size() != nodeIds + static_cast<size_t>(refs)) {
-    return nullptr;
-  }
-  made->text.append(text, start);
-  for (const auto& [handle, id] : state.visited)
-    made->visited.emplace_back(handle, id - base);
-  return made;
-}
-
-void AppendDecimal(std::string& out, uint32_t value) {
-  char digits[10];
-  int count = 0;
-  do {
-    digits[count++] = static_cast<char>('0' + value % 10);
-    value /= 10;
-  } while (value != 0);
-  std::reverse(digits, digits + count);
-  out.append(digits, static_cast<size_t>(count));
-}
-
-void Render(const TreeTemplate& tree, NodeTreeState& state, std::string& out) {
-  uint32_t base = state.nodeCounter;
-  out.reserve(out.size() + tree.text.size() + 8 * tree.ids.size());
-  size_t copied = 0;
-  for (const TreeTemplate::Id& id : tree.ids) {
-    out.append(tree.text, copied, id.at - copied);
-    AppendDecimal(out, base + id.offset);
-    copied = id.at;
-  }
-  out.append(tree.text, copied);
-  state.nodeCounter += tree.idCount;
-  for (const auto& [handle, offset] : tree.visited)
-    state.visited.emplace(handle, base + offset);
-}
-
 }  // namespace
 
 void ResetVisitedNodes(NodeTreeState& state) {
   state.visited.clear();
 }
 
-void AppendNodeTree(const WriteContext& context, NodeTreeState& state,
-                    const host::MtlBase* object, int depth, std::string& out) {
-  if (context.trees == nullptr || object == nullptr || !state.visited.empty()) {
-    AppendUtf8(out, TreeWriter(context, state).Write(object, depth));
-    return;
-  }
-  auto& cache = context.trees->byRoot;
-  auto key = std::make_pair(object, depth);
-  if (auto found = cache.find(key); found != cache.end()) {
-    if (found->second) {
-      Render(*found->second, state, out);
-    } else {
-      AppendUtf8(out, TreeWriter(context, state).Write(object, depth));
-    }
-    return;
+namespace {
+
+int WriteAfresh(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
+                int depth, std::string& out) {
+  TreeWriter writer(context, state);
+  AppendUtf8(out, writer.Write(object, depth));
+  return writer.refsWritten();
+}
+
+}  // namespace
+
+int AppendNodeTree(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
+                   int depth, std::string& out) {
+  if (context.trees == nullptr || object == nullptr || !state.visited.empty())
+    return WriteAfresh(context, state, object, depth, out);
+  auto [entry, first] = context.trees->byRoot.try_emplace({object, depth});
+  if (!first) {
+    if (entry->second) return RenderTemplate(*entry->second, state, out);
+    return WriteAfresh(context, state, object, depth, out);
   }
   uint32_t base = state.nodeCounter;
-  TreeWriter writer(context, state);
   size_t start = out.size();
-  AppendUtf8(out, writer.Write(object, depth));
-  std::string_view text(out.data() + start, out.size() - start);
-  cache.emplace(key, MakeTemplate(text, base, state, writer.refsWritten()));
+  int refs = WriteAfresh(context, state, object, depth, out);
+  entry->second = MakeTemplate(std::string_view(out).substr(start), base, state, refs);
+  return refs;
 }
 
 std::u16string WriteNodeTree(const WriteContext& context, NodeTreeState& state,

@@ -11,6 +11,7 @@
 #include "host/interface.h"
 
 namespace orvane::host {
+class Mtl;
 class MtlBase;
 }  // namespace orvane::host
 
@@ -59,6 +60,9 @@ struct TreeTemplates {
     }
   };
   std::unordered_map<Root, std::unique_ptr<const TreeTemplate>, RootHash> byRoot;
+  // Whole material records, for the same reason: every object that shares a material renders
+  // its record in one piece.
+  std::unordered_map<const host::Mtl*, std::unique_ptr<const TreeTemplate>> byMaterial;
 };
 
 struct WriteContext {

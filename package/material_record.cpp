@@ -3,6 +3,7 @@
 #include "base/wide_text.h"
 #include "graph/class_dispatch.h"
 #include "graph/json_text.h"
+#include "graph/tree_template.h"
 
 namespace orvane {
 
@@ -15,16 +16,50 @@ bool IsMultiMaterial(const host::Mtl& material) {
 
 namespace {
 
-void AppendSlotRecord(const WriteContext& context, NodeTreeState& state, const host::Mtl* sub,
-                      int index, std::string& out) {
+int WriteSlotRecord(const WriteContext& context, NodeTreeState& state, const host::Mtl* sub,
+                    int index, std::string& out) {
   ResetVisitedNodes(state);
   std::u16string name = sub != nullptr ? sub->GetName() : std::u16string();
   out += "      {\n        \"material_id\": " + std::to_string(index + 1) +
          ",\n        \"material_name\": \"";
   AppendUtf8(out, EscapeJsonString(name));
   out += "\",\n        \"node_tree\": ";
-  AppendNodeTree(context, state, sub, 3, out);
+  int refs = AppendNodeTree(context, state, sub, 3, out);
   out += "\n      }";
+  return refs;
+}
+
+// Answers how many references the record's trees wrote.
+int WriteMaterialRecord(const WriteContext& context, NodeTreeState& state,
+                        const host::Mtl& material, std::string& out) {
+  if (!IsMultiMaterial(material)) {
+    std::u16string type = NormalizeClassTypeName(material.GetClassName(), true);
+    std::u16string name = material.GetName();
+    ResetVisitedNodes(state);
+    out += "{\n      \"type\": \"";
+    AppendUtf8(out, EscapeJsonString(type));
+    out += "\",\n      \"name\": \"";
+    AppendUtf8(out, EscapeJsonString(name));
+    out += "\",\n      \"node_tree\": ";
+    // The material's tree is kept only as part of its record's template: no other record
+    // holds the same material at this depth, so a template of the tree alone would only
+    // double the memory.
+    WriteContext treeUncached = context;
+    treeUncached.trees = nullptr;
+    int refs = AppendNodeTree(treeUncached, state, &material, 2, out);
+    out += "\n    }";
+    return refs;
+  }
+  out += "{\n      \"type\": \"Multimaterial\",\n      \"name\": \"";
+  AppendUtf8(out, EscapeJsonString(material.GetName()));
+  out += "\",\n      \"sub_materials\": [\n";
+  int slots = material.NumSubMtls(), refs = 0;
+  for (int i = 0; i < slots; ++i) {
+    refs += WriteSlotRecord(context, state, material.GetSubMtl(i), i, out);
+    out += i + 1 < slots ? ",\n" : "\n";
+  }
+  out += "      ]\n    }";
+  return refs;
 }
 
 }  // namespace
@@ -36,28 +71,27 @@ void AppendMaterialRecord(const WriteContext& context, NodeTreeState& state,
     out += "null";
     return;
   }
-  if (!IsMultiMaterial(*material)) {
-    std::u16string type = NormalizeClassTypeName(material->GetClassName(), true);
-    std::u16string name = material->GetName();
-    ResetVisitedNodes(state);
-    out += "{\n      \"type\": \"";
-    AppendUtf8(out, EscapeJsonString(type));
-    out += "\",\n      \"name\": \"";
-    AppendUtf8(out, EscapeJsonString(name));
-    out += "\",\n      \"node_tree\": ";
-    AppendNodeTree(context, state, material, 2, out);
-    out += "\n    }";
+  if (context.trees == nullptr) {
+    WriteMaterialRecord(context, state, *material, out);
     return;
   }
-  out += "{\n      \"type\": \"Multimaterial\",\n      \"name\": \"";
-  AppendUtf8(out, EscapeJsonString(material->GetName()));
-  out += "\",\n      \"sub_materials\": [\n";
-  int slots = material->NumSubMtls();
-  for (int i = 0; i < slots; ++i) {
-    AppendSlotRecord(context, state, material->GetSubMtl(i), i, out);
-    out += i + 1 < slots ? ",\n" : "\n";
+  // Every tree of a record starts from an empty visited list, so the record, like a tree,
+  // depends only on the scene and on where the node counter stands.
+  auto [entry, first] = context.trees->byMaterial.try_emplace(material);
+  if (!first) {
+    if (entry->second) {
+      ResetVisitedNodes(state);
+      RenderTemplate(*entry->second, state, out);
+    } else {
+      WriteMaterialRecord(context, state, *material, out);
+    }
+    return;
   }
-  out += "      ]\n    }";
+  uint32_t base = state.nodeCounter;
+  size_t start = out.size();
+  ResetVisitedNodes(state);
+  int refs = WriteMaterialRecord(context, state, *material, out);
+  entry->second = MakeTemplate(std::string_view(out).substr(start), base, state, refs);
 }
 
 }  // namespace orvane

@@ -309,6 +309,37 @@ TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
   EXPECT_NE(templates.byRoot.at({multi, 2}), nullptr);
 }
 
+// Whole records rendered again from their templates equal records written afresh, multi-
+// materials with shared and missing sub-materials included.
+TEST(NodeTree, ARecordWrittenFromItsTemplateEqualsOneWrittenAfresh) {
+  auto loaded = host::memory::LoadSceneText(R"({"format": "orvane-scene/1",
+    "materials": [
+      {"id": "multi", "class": "Multimaterial", "name": "Mehrfach", "subMaterials": ["a", null, "a", "b"]},
+      {"id": "a", "class": "VRayMtl", "name": "Ä 木", "slots": [{"name": "texmap_diffuse", "map": "loop"},
+                                                          {"name": "texmap_bump", "map": "loop"}]},
+      {"id": "b", "class": "Foo", "name": "B"}],
+    "maps": [{"id": "loop", "class": "Mix", "name": "Loop", "slots": [{"name": "map1", "map": "loop"}]}]})",
+                                            ".");
+  ASSERT_TRUE(loaded.scene) << loaded.error;
+  MemScene& scene = *loaded.scene;
+  auto material = [&](const char* id) { return dynamic_cast<host::Mtl*>(scene.FindById(id)); };
+  const char* order[] = {"multi", "a", "multi", "b", "a", "multi", "b"};
+  TreeTemplates templates;
+  WriteContext cached{scene, 0, nullptr, nullptr, &templates};
+  WriteContext afresh{scene, 0};
+  NodeTreeState cachedState, afreshState;
+  std::vector<std::u16string> errors;
+  for (const char* id : order) {
+    std::string fromTemplate, written;
+    AppendMaterialRecord(cached, cachedState, material(id), errors, fromTemplate);
+    AppendMaterialRecord(afresh, afreshState, material(id), errors, written);
+    EXPECT_EQ(fromTemplate, written) << id;
+    EXPECT_EQ(cachedState.nodeCounter, afreshState.nodeCounter) << id;
+    EXPECT_EQ(cachedState.visited, afreshState.visited) << id;
+  }
+  EXPECT_NE(templates.byMaterial.at(material("multi")), nullptr);
+}
+
 // A map with handle 77 whose probes the scene answers with `reply`.
 struct ProbedMap {
   explicit ProbedMap(const std::string& reply, const std::string& extra = "") {

@@ -214,14 +214,6 @@ void TreeWriter::WriteLayers(const host::Mtl& material, const std::u16string& in
   }
 }
 
-}  // namespace
-
-void ResetVisitedNodes(NodeTreeState& state) {
-  state.visited.clear();
-}
-
-namespace {
-
 int WriteAfresh(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
                 int depth, std::string& out) {
   TreeWriter writer(context, state);
@@ -230,6 +222,10 @@ int WriteAfresh(const WriteContext& context, NodeTreeState& state, const host::M
 }
 
 }  // namespace
+
+void ResetVisitedNodes(NodeTreeState& state) {
+  state.visited.clear();
+}
 
 int AppendNodeTree(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
                    int depth, std::string& out) {

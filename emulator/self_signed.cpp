@@ -2,8 +2,10 @@
 
 #include <openssl/evp.h>
 #include <openssl/pem.h>
+#include <openssl/rand.h>
 #include <openssl/x509v3.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 
@@ -48,7 +50,14 @@ bool WriteSelfSignedCertificate(const std::filesystem::path& certFile,
     return false;
   }
   X509_set_version(cert.get(), 2);
-  ASN1_INTEGER_set(X509_get_serialNumber(cert.get()), 1);
+  // Each certificate gets its own serial number: two emulators' certificates share their issuer
+  // name, and a certificate store may take two with the same issuer and serial for one.
+  uint64_t serial = 0;
+  if (RAND_bytes(reinterpret_cast<unsigned char*>(&serial), sizeof serial) != 1) {
+    error = "cannot draw a serial number";
+    return false;
+  }
+  ASN1_INTEGER_set_uint64(X509_get_serialNumber(cert.get()), (serial >> 1) | 1);  // positive
   X509_gmtime_adj(X509_getm_notBefore(cert.get()), -3600);
   X509_gmtime_adj(X509_getm_notAfter(cert.get()), 365L * 24 * 3600);
   X509_set_pubkey(cert.get(), key.get());

@@ -196,6 +196,28 @@ TEST(MemoryScene, ConversionToTriangleMeshesFollowsTheOwnershipRules) {
   EXPECT_EQ(scene->GetAnimByHandle(handle), nullptr);
 }
 
+// Ids are kept in an open-addressed table: deleting from the middle of long runs must leave
+// every other id findable, and a deleted id findable no more.
+TEST(MemoryScene, IdsStayFindableWhileObjectsAreDeleted) {
+  MemScene scene;
+  std::vector<MemObject*> objects;
+  for (int i = 0; i < 3000; ++i)
+    objects.push_back(&scene.AddObject("object-" + std::to_string(i)));
+  for (int i = 0; i < 3000; i += 3)
+    objects[static_cast<size_t>(i)]->DeleteThis();
+  for (int i = 0; i < 3000; ++i) {
+    Animatable* found = scene.FindById("object-" + std::to_string(i));
+    if (i % 3 == 0) {
+      EXPECT_EQ(found, nullptr) << i;
+    } else {
+      EXPECT_EQ(found, objects[static_cast<size_t>(i)]) << i;
+    }
+  }
+  MemObject& again = scene.AddObject("object-0");
+  EXPECT_EQ(scene.FindById("object-0"), &again);
+  EXPECT_EQ(scene.FindById("object-3000"), nullptr);
+}
+
 TEST(MemoryScene, RecordsWhatTheCoreChanged) {
   auto scene = Load(kObjects);
   auto* box = dynamic_cast<INode*>(scene->FindById("box"));

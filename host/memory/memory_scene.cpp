@@ -283,7 +283,7 @@ template <class T>
 T& MemScene::Register(std::vector<std::unique_ptr<T>>& list, std::string id) {
   auto& item = list.emplace_back(std::make_unique<T>());
   item->data.id = std::move(id);
-  if (!item->data.id.empty()) byId_[item->data.id] = item.get();
+  if (!item->data.id.empty()) byId_.Set(item->data.id, item.get());
   return *item;
 }
 
@@ -324,8 +324,7 @@ MemTexmap& MemScene::AddMap(std::string id) {
 }
 
 Animatable* MemScene::FindById(const std::string& id) const {
-  auto found = byId_.find(id);
-  return found == byId_.end() ? nullptr : found->second;
+  return byId_.Find(id);
 }
 
 namespace {
@@ -395,7 +394,7 @@ MemObject& MemScene::AddConvertedObject(const MemObject& from) {
   std::string id;
   do {
     id = "converted-" + std::to_string(++convertedCount_);
-  } while (byId_.count(id) != 0);
+  } while (byId_.Find(id) != nullptr);
   // Not registered by id: it is no scene-file entity, and a mesh made only to be read and
   // deleted again would cost the id table an insertion and an erasure per object record.
   MemObject& converted = *objects_.emplace_back(std::make_unique<MemObject>());
@@ -417,10 +416,7 @@ void MemScene::DeleteObject(const MemObject& object) {
                             [&](const auto& item) { return item.get() == &object; });
   if (found == objects_.rend()) return;
   byHandle_.erase(object.data.handle);
-  if (auto registered = byId_.find(object.data.id);
-      registered != byId_.end() && registered->second == &object) {
-    byId_.erase(registered);
-  }
+  byId_.Erase(object.data.id, &object);
   objects_.erase(std::next(found).base());
 }
 

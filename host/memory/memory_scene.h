@@ -13,6 +13,7 @@
 
 #include "host/interface.h"
 #include "host/local_file_system.h"
+#include "host/memory/id_table.h"
 #include "host/mtl.h"
 #include "host/node.h"
 #include "host/object.h"
@@ -435,7 +436,7 @@ class MemScene final : public Interface, public IFileResolutionManager {
   std::vector<std::unique_ptr<MemMtl>> materials_;
   std::vector<std::unique_ptr<MemTexmap>> maps_;
   MemNode* root_ = nullptr;
-  std::unordered_map<std::string, Animatable*> byId_;
+  IdTable byId_;
   std::unordered_map<AnimHandle, Animatable*> byHandle_;
   int convertedCount_ = 0;
   AnimHandle nextFreeHandle_ = 1;  // no handle at or above it is in use

@@ -186,6 +186,11 @@ TEST(SceneFile, TheFastParseAgreesWithNlohmannsOwn) {
                          "[-9223372036854775809]",
                          "[01]",
                          "[1.5e3]",
+                         "[0.1234567890123456789012345]",
+                         "[555555555555555555555555.5]",
+                         "[-12345678901234567890]",
+                         "[1e-320]",
+                         "[1E+2, -0.5e-2]",
                          R"(["\ud800"])",
                          R"(["\udc00x"])",
                          R"(["\ud83d\ude00"])",
@@ -199,7 +204,32 @@ TEST(SceneFile, TheFastParseAgreesWithNlohmannsOwn) {
                          "",
                          " ",
                          "[1,]",
-                         "[\"a\tb\"]"};
+                         "[\"a\tb\"]",
+                         // A parse that reads values only as they are asked for must still
+                         // refuse broken structure anywhere, and text after the root.
+                         "[1 2]",
+                         R"({"a" 1})",
+                         R"({"a": 1 "b": 2})",
+                         R"({"a": [1, 2}})",
+                         R"({"a": })",
+                         "[,1]",
+                         R"({,"a": 1})",
+                         "[[1]]]",
+                         R"({"a": 1}})",
+                         "[tru]",
+                         "[truex]",
+                         "[nul]",
+                         "[nulll]",
+                         "[1x]",
+                         "[1.]",
+                         R"(["\x"])",
+                         R"([{"a": 1, "a": 2}])",
+                         R"({"k": {"a": 0, "b": 1, "c": 2, "d": 3, "e": 4, "f": 5, "g": 6,
+                             "h": 7, "i": 8, "j": 9, "k": 10, "l": 11, "m": 12, "n": 13, "o": 14,
+                             "p": 15, "q": 16, "b": 17}})",
+                         "1",
+                         "\"text\"",
+                         "[] []"};
   auto outcome = [](auto parse, std::string_view text) -> std::optional<JsonDocument> {
     try {
       return parse(text);

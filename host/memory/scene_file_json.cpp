@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -268,114 +269,193 @@ void RejectHugeTexts(std::string_view text) {
 #ifdef ORVANE_HAVE_SIMDJSON
 static_assert(kParsePadding >= simdjson::SIMDJSON_PADDING);
 
-struct DocumentSize {
-  size_t nodes = 0, children = 0, textBytes = 0;
+// Keys are compared pairwise in small objects and sorted in large ones, so a large object never
+// costs time in proportion to its size squared.
+bool HasDuplicateKeys(std::vector<std::string_view>::iterator first,
+                      std::vector<std::string_view>::iterator last) {
+  constexpr ptrdiff_t kPairwiseLimit = 16;
+  if (last - first <= kPairwiseLimit) {
+    for (auto key = first; key != last; ++key) {
+      if (std::find(first, key, *key) != key) return true;
+    }
+    return false;
+  }
+  std::vector<std::string_view> sorted(first, last);
+  std::sort(sorted.begin(), sorted.end());
+  return std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end();
+}
+
+// simdjson finds the text's structure several times faster than nlohmann's own lexer, and its
+// on-demand parse hands each value over as it reads it, so nothing stands between the text and
+// the document. Whatever it refuses goes through the strict parse instead, which gives the exact
+// message, and so does a duplicate key, which simdjson keeps.
+class FastCopy {
+ public:
+  explicit FastCopy(JsonDocumentBuilder& to) : to_(to) {}
+
+  bool Value(simdjson::ondemand::value value) {
+    simdjson::ondemand::json_type type;
+    if (value.type().get(type) != simdjson::SUCCESS) return false;
+    switch (type) {
+      case simdjson::ondemand::json_type::object: {
+        simdjson::ondemand::object object;
+        return value.get_object().get(object) == simdjson::SUCCESS && Object(object);
+      }
+      case simdjson::ondemand::json_type::array: {
+        simdjson::ondemand::array array;
+        return value.get_array().get(array) == simdjson::SUCCESS && Array(array);
+      }
+      case simdjson::ondemand::json_type::number: return Number(value);
+      case simdjson::ondemand::json_type::string: {
+        std::string_view text;
+        if (value.get_string().get(text) != simdjson::SUCCESS) return false;
+        to_.String(text);
+        return true;
+      }
+      case simdjson::ondemand::json_type::boolean: {
+        bool flag = false;
+        if (value.get_bool().get(flag) != simdjson::SUCCESS) return false;
+        to_.Bool(flag);
+        return true;
+      }
+      case simdjson::ondemand::json_type::null: {
+        bool isNull = false;
+        if (value.is_null().get(isNull) != simdjson::SUCCESS || !isNull) return false;
+        to_.Null();
+        return true;
+      }
+    }
+    return false;
+  }
+
+  bool Object(simdjson::ondemand::object object) {
+    to_.StartObject();
+    size_t firstKey = keys_.size();
+    for (auto member : object) {
+      simdjson::ondemand::field field;
+      std::string_view key;
+      if (std::move(member).get(field) != simdjson::SUCCESS ||
+          field.unescaped_key().get(key) != simdjson::SUCCESS) {
+        return false;
+      }
+      // The key stays valid: simdjson keeps every unescaped string until the next parse.
+      keys_.push_back(key);
+      to_.Key(key);
+      if (!Value(field.value())) return false;
+    }
+    if (HasDuplicateKeys(keys_.begin() + static_cast<ptrdiff_t>(firstKey), keys_.end())) {
+      return false;
+    }
+    keys_.resize(firstKey);
+    to_.End();
+    return true;
+  }
+
+  bool Array(simdjson::ondemand::array array) {
+    to_.StartArray();
+    for (auto element : array) {
+      simdjson::ondemand::value value;
+      if (std::move(element).get(value) != simdjson::SUCCESS || !Value(value)) return false;
+    }
+    to_.End();
+    return true;
+  }
+
+ private:
+  // simdjson's portable on-demand kernel misreads numbers of more than 19 digits, so numbers are
+  // read from their own text; anything out of range is left to the strict parse.
+  bool Number(simdjson::ondemand::value value) {
+    std::string_view token = value.raw_json_token();  // with the blanks after it
+    token = token.substr(0, token.find_last_not_of(" \t\r\n") + 1);
+    bool integer = false;
+    if (!IsJsonNumber(token, integer)) return false;
+    const char* end = token.data() + token.size();
+    if (integer && token[0] == '-') {
+      int64_t number = 0;
+      if (std::from_chars(token.data(), end, number).ec == std::errc()) {
+        if (number < 0) {
+          to_.Signed(number);
+        } else {
+          to_.Unsigned(0);  // -0, which reads as plain 0
+        }
+        return true;
+      }
+    } else if (integer) {
+      uint64_t number = 0;
+      if (std::from_chars(token.data(), end, number).ec == std::errc()) {
+        to_.Unsigned(number);
+        return true;
+      }
+    }
+    // A fraction, an exponent, or an integer beyond 64 bits, which JSON readers take as a double.
+    double number = 0;
+    auto [stop, error] = std::from_chars(token.data(), end, number);
+    if (error != std::errc() || stop != end) return false;
+    to_.Double(number);
+    return true;
+  }
+
+  // -?(0|[1-9][0-9]*)(\.[0-9]+)?([eE][+-]?[0-9]+)? and nothing else.
+  static bool IsJsonNumber(std::string_view text, bool& integer) {
+    size_t at = 0;
+    auto digits = [&] {
+      size_t first = at;
+      while (at < text.size() && text[at] >= '0' && text[at] <= '9')
+        ++at;
+      return at - first;
+    };
+    if (at < text.size() && text[at] == '-') ++at;
+    size_t whole = at;
+    if (digits() == 0 || (text[whole] == '0' && at - whole > 1)) return false;
+    integer = true;
+    if (at < text.size() && text[at] == '.') {
+      ++at;
+      integer = false;
+      if (digits() == 0) return false;
+    }
+    if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
+      ++at;
+      integer = false;
+      if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
+      if (digits() == 0) return false;
+    }
+    return at == text.size();
+  }
+
+  JsonDocumentBuilder& to_;
+  std::vector<std::string_view> keys_;  // of the objects being copied, innermost last
 };
 
-void Measure(simdjson::dom::element value, DocumentSize& size) {
-  ++size.nodes;
-  switch (value.type()) {
-    case simdjson::dom::element_type::OBJECT:
-      for (simdjson::dom::key_value_pair member : simdjson::dom::object(value)) {
-        ++size.nodes;
-        size.children += 2;
-        size.textBytes += member.key.size();
-        Measure(member.value, size);
-      }
-      break;
-    case simdjson::dom::element_type::ARRAY:
-      for (simdjson::dom::element item : simdjson::dom::array(value)) {
-        ++size.children;
-        Measure(item, size);
-      }
-      break;
-    case simdjson::dom::element_type::STRING:
-      size.textBytes += std::string_view(value).size();
-      break;
-    default: break;
-  }
-}
-
-// Keys are compared pairwise in small objects and sorted in large ones.
-bool HasDuplicateKeysSorted(simdjson::dom::object object) {
-  std::vector<std::string_view> keys;
-  for (simdjson::dom::key_value_pair member : object)
-    keys.push_back(member.key);
-  std::sort(keys.begin(), keys.end());
-  return std::adjacent_find(keys.begin(), keys.end()) != keys.end();
-}
-
-// Scene-file objects are small: their keys are compared pairwise without allocating, and only an
-// object of more than 16 members has its keys sorted.
-bool HasDuplicateKeys(simdjson::dom::object object) {
-  constexpr size_t kPairwiseLimit = 16;
-  std::array<std::string_view, kPairwiseLimit> keys;
-  size_t count = 0;
-  for (simdjson::dom::key_value_pair member : object) {
-    if (count == kPairwiseLimit) return HasDuplicateKeysSorted(object);
-    if (std::find(keys.begin(), keys.begin() + count, member.key) != keys.begin() + count) {
-      return true;
-    }
-    keys[count++] = member.key;
-  }
-  return false;
-}
-
-// simdjson finds the text's structure several times faster than nlohmann's own lexer. Whatever
-// it refuses goes through the strict parse below instead, which gives the exact message, and so
-// does a duplicate key, which simdjson keeps.
-bool CopyFast(simdjson::dom::element from, JsonDocumentBuilder& to) {
-  switch (from.type()) {
-    case simdjson::dom::element_type::OBJECT: {
-      simdjson::dom::object object(from);
-      if (HasDuplicateKeys(object)) return false;
-      to.StartObject();
-      for (simdjson::dom::key_value_pair member : object) {
-        to.Key(member.key);
-        if (!CopyFast(member.value, to)) return false;
-      }
-      to.End();
-      return true;
-    }
-    case simdjson::dom::element_type::ARRAY: {
-      to.StartArray();
-      for (simdjson::dom::element item : simdjson::dom::array(from)) {
-        if (!CopyFast(item, to)) return false;
-      }
-      to.End();
-      return true;
-    }
-    case simdjson::dom::element_type::INT64: {
-      int64_t value = int64_t(from);
-      if (value >= 0) {
-        to.Unsigned(static_cast<uint64_t>(value));
-      } else {
-        to.Signed(value);
-      }
-      return true;
-    }
-    case simdjson::dom::element_type::UINT64: to.Unsigned(uint64_t(from)); return true;
-    case simdjson::dom::element_type::DOUBLE: to.Double(double(from)); return true;
-    case simdjson::dom::element_type::STRING: to.String(std::string_view(from)); return true;
-    case simdjson::dom::element_type::BOOL: to.Bool(bool(from)); return true;
-    case simdjson::dom::element_type::NULL_VALUE: to.Null(); return true;
-  }
-  return false;
+// The document's room is reserved from the text's length, so nothing is copied as it grows:
+// every value or key takes at least one byte and one separator, and untouched room costs only
+// address space.
+void ReserveFor(std::string_view text, JsonDocumentBuilder& document) {
+  size_t values = text.size() / 2 + 2;
+  document.Reserve(values, values, text.size());
 }
 
 std::optional<JsonDocument> ParseFast(std::string_view text, size_t readableBeyond) {
-  simdjson::dom::parser parser;
-  simdjson::dom::element root;
-  bool copyFirst = readableBeyond < simdjson::SIMDJSON_PADDING;
-  if (parser.parse(text.data(), text.size(), copyFirst).get(root) != simdjson::SUCCESS) {
+  std::optional<simdjson::padded_string> copy;
+  simdjson::padded_string_view padded(text.data(), text.size(), text.size() + readableBeyond);
+  if (readableBeyond < simdjson::SIMDJSON_PADDING) padded = copy.emplace(text);
+  simdjson::ondemand::parser parser;
+  simdjson::ondemand::document document;
+  if (parser.iterate(padded).get(document) != simdjson::SUCCESS) return std::nullopt;
+  // A lone scalar is read differently at the root; such a text is never a scene file, and the
+  // strict parse reads it.
+  bool scalar = true;
+  simdjson::ondemand::value root;
+  if (document.is_scalar().get(scalar) != simdjson::SUCCESS || scalar ||
+      document.get_value().get(root) != simdjson::SUCCESS) {
     return std::nullopt;
   }
-  DocumentSize size;
-  Measure(root, size);
-  JsonDocumentBuilder document;
-  document.Reserve(size.nodes, size.children, size.textBytes);
-  if (!CopyFast(root, document)) return std::nullopt;
-  return document.Finish();
+  JsonDocumentBuilder builder;
+  ReserveFor(text, builder);
+  if (!FastCopy(builder).Value(root)) return std::nullopt;
+  // Anything after the root value is an error for the strict parse to report.
+  const char* trailing = nullptr;
+  if (document.current_location().get(trailing) != simdjson::OUT_OF_BOUNDS) return std::nullopt;
+  return builder.Finish();
 }
 #endif
 

@@ -694,11 +694,16 @@ class Loader {
 
 }  // namespace
 
-SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path& folder,
-                              size_t readableBeyond) {
+namespace {
+
+// Parses through `parse`, which may let go of the text once it has its document: the document
+// holds its own copy of every string, and a large scene's text would otherwise stay in memory
+// beside the scene built from it.
+template <class Parse>
+SceneLoadResult Load(Parse parse, const std::filesystem::path& folder) {
   SceneLoadResult result;
   try {
-    JsonDocument document = ParseStrictly(text, readableBeyond);
+    JsonDocument document = parse();
     result.scene = Loader(document.root(), folder).Load();
   } catch (const SceneFileError& error) {
     result.error = error.what();
@@ -706,10 +711,23 @@ SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path
   return result;
 }
 
+}  // namespace
+
+SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path& folder,
+                              size_t readableBeyond) {
+  return Load([&] { return ParseStrictly(text, readableBeyond); }, folder);
+}
+
 SceneLoadResult LoadSceneFile(const std::filesystem::path& file) {
   FileRead read = ReadRegularFile(file, std::numeric_limits<uint64_t>::max(), kParsePadding);
   if (!read.bytes) return {nullptr, file.string() + ": " + DescribeFileReadError(read.error)};
-  SceneLoadResult result = LoadSceneText(*read.bytes, file.parent_path(), kParsePadding);
+  SceneLoadResult result = Load(
+      [&] {
+        JsonDocument document = ParseStrictly(*read.bytes, kParsePadding);
+        read.bytes.reset();
+        return document;
+      },
+      file.parent_path());
   if (!result.scene) result.error = file.string() + ": " + result.error;
   return result;
 }

@@ -138,7 +138,7 @@ int main(int argc, char** argv) {
       best.packageMb = measured.packageMb;
       best.builderMb = std::max(best.builderMb, measured.builderMb);
     }
-    std::printf("%-28s %10d %9.2f %9.2f %8.2f %12.1f %12.1f %9.2f\n", label.c_str(), best.objects,
+    std::printf("%-28s %10d %9.3f %9.3f %8.2f %12.1f %12.1f %9.2f\n", label.c_str(), best.objects,
                 best.seconds, best.floorSeconds, best.seconds / best.floorSeconds, best.packageMb,
                 best.builderMb, best.builderMb / best.packageMb);
   }

@@ -91,5 +91,18 @@ TEST(JsonDocument, DuplicateKeysAreFoundInSmallAndLargeObjects) {
   }
 }
 
+// Nesting far beyond any scene file's is read like any other text, never by recursing once per
+// level: a hostile file must not overflow the stack.
+TEST(JsonDocument, DeepNestingIsReadWithoutExhaustingTheStack) {
+  constexpr int kLevels = 100000;
+  std::string text = std::string(kLevels, '[') + "7" + std::string(kLevels, ']');
+  for (const auto& [name, parse] : kParses) {
+    JsonValue value = parse(text).root();
+    for (int level = 1; level < kLevels; ++level)
+      value = value[0];
+    EXPECT_EQ(value[0].Unsigned(), 7u) << name;
+  }
+}
+
 }  // namespace
 }  // namespace orvane::host::memory

@@ -329,6 +329,8 @@ class FastCopy {
   }
 
   bool Object(simdjson::ondemand::object object) {
+    DepthGuard guard(depth_);
+    if (depth_ > kMaxDepth) return false;
     to_.StartObject();
     size_t firstKey = keys_.size();
     for (auto member : object) {
@@ -352,6 +354,8 @@ class FastCopy {
   }
 
   bool Array(simdjson::ondemand::array array) {
+    DepthGuard guard(depth_);
+    if (depth_ > kMaxDepth) return false;
     to_.StartArray();
     for (auto element : array) {
       simdjson::ondemand::value value;
@@ -362,6 +366,16 @@ class FastCopy {
   }
 
  private:
+  // The copy recurses, and a hostile text could nest deeply enough to overflow the stack; scene
+  // files nest a few levels, and anything deeper is left to the strict parse, which does not
+  // recurse.
+  static constexpr int kMaxDepth = 128;
+  struct DepthGuard {
+    explicit DepthGuard(int& depth) : depth_(++depth) {}
+    ~DepthGuard() { --depth_; }
+    int& depth_;
+  };
+
   // simdjson's portable on-demand kernel misreads numbers of more than 19 digits, so numbers are
   // read from their own text; anything out of range is left to the strict parse.
   bool Number(simdjson::ondemand::value value) {
@@ -423,6 +437,7 @@ class FastCopy {
   }
 
   JsonDocumentBuilder& to_;
+  int depth_ = 0;
   std::vector<std::string_view> keys_;  // of the objects being copied, innermost last
 };
 

@@ -97,7 +97,8 @@ TEST(JsonDocument, DeepNestingIsReadWithoutExhaustingTheStack) {
   constexpr int kLevels = 100000;
   std::string text = std::string(kLevels, '[') + "7" + std::string(kLevels, ']');
   for (const auto& [name, parse] : kParses) {
-    JsonValue value = parse(text).root();
+    JsonDocument document = parse(text);
+    JsonValue value = document.root();
     for (int level = 1; level < kLevels; ++level)
       value = value[0];
     EXPECT_EQ(value[0].Unsigned(), 7u) << name;

@@ -174,6 +174,8 @@ constexpr char kFullScene[] = R"json({
 
 // Texts where a fast parser and nlohmann could differ: both parses give one result.
 TEST(SceneFile, TheFastParseAgreesWithNlohmannsOwn) {
+  // One text per row, so that a failing row is found by its line.
+  // clang-format off
   const char* texts[] = {"[-0]",
                          "[-0.0]",
                          "[0]",
@@ -230,6 +232,7 @@ TEST(SceneFile, TheFastParseAgreesWithNlohmannsOwn) {
                          "1",
                          "\"text\"",
                          "[] []"};
+  // clang-format on
   auto outcome = [](auto parse, std::string_view text) -> std::optional<JsonDocument> {
     try {
       return parse(text);

@@ -139,9 +139,10 @@ int main(int argc, char** argv) {
     std::cerr << "orvane-service: " << error << "\n";
     return 1;
   }
-  std::cout << "orvane-service listening on " << emulator.BaseUrl() << std::endl;
+  // The address comes last: scripts wait for it and then read the lines before it.
   if (options.https)
     std::cout << "certificate: " << emulator.CertificateFile().string() << std::endl;
+  std::cout << "orvane-service listening on " << emulator.BaseUrl() << std::endl;
   std::signal(SIGINT, [](int) { stopRequested = 1; });
   std::signal(SIGTERM, [](int) { stopRequested = 1; });
   while (!stopRequested)

@@ -58,7 +58,9 @@ bool WriteSelfSignedCertificate(const std::filesystem::path& certFile,
     return false;
   }
   ASN1_INTEGER_set_uint64(X509_get_serialNumber(cert.get()), (serial >> 1) | 1);  // positive
-  X509_gmtime_adj(X509_getm_notBefore(cert.get()), -3600);
+  // Valid from a day back, so that a clock that differs a little between the emulator and its
+  // client never makes a fresh certificate "not yet valid".
+  X509_gmtime_adj(X509_getm_notBefore(cert.get()), -24L * 3600);
   X509_gmtime_adj(X509_getm_notAfter(cert.get()), 365L * 24 * 3600);
   X509_set_pubkey(cert.get(), key.get());
   X509_NAME* name = X509_get_subject_name(cert.get());

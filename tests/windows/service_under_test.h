@@ -24,6 +24,11 @@ const ServiceUnderTest& Service();
 // The system reads the roots once per process, before its first secure request.
 bool TrustCertificate(const std::filesystem::path& pemFile);
 
+// What the system's own chain check makes of the PEM certificate for `serverName`: the time now
+// and the validity period as it reads them, the chain's error bits and the SSL policy's error.
+// Said when a secure request fails, so that a failure on another machine explains itself.
+std::string ChainReport(const std::filesystem::path& pemFile, const wchar_t* serverName);
+
 // Wine's WinHTTP takes a reply that breaks off right after its status line for a complete one
 // (status 200, no body), where Windows fails the request; tests of that case skip it under wine.
 bool RunningUnderWine();

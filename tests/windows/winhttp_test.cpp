@@ -119,7 +119,8 @@ TEST_F(WinHttpAgainstEmulator, AccountTextsAndRefusals) {
 TEST_F(WinHttpAgainstEmulator, HttpsVerifiesTheCertificate) {
   ASSERT_TRUE(testing::TrustCertificate(Service().certificate));
   HttpResult trusted = Get(Service().tlsUrl + u"/api/balance", u"good");
-  EXPECT_TRUE(trusted.ok) << ToUtf8(trusted.text);
+  EXPECT_TRUE(trusted.ok) << ToUtf8(trusted.text) << "; "
+                          << testing::ChainReport(Service().certificate, L"localhost");
   EXPECT_EQ(trusted.status, 200);
   // ERROR_WINHTTP_SECURE_FAILURE (12175) on Windows; wine reports a secure channel error.
   HttpResult untrusted = Get(Service().untrustedUrl + u"/api/balance", u"good");

@@ -1,8 +1,11 @@
 #include "graph/json_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <initializer_list>
+
+#include "base/wide_text.h"
 
 namespace orvane {
 
@@ -89,6 +92,16 @@ std::u16string EscapeJsonString(std::u16string_view text) {
     }
   }
   return out;
+}
+
+void AppendEscapedJsonUtf8(std::string& out, std::u16string_view text) {
+  bool plain = std::none_of(text.begin(), text.end(),
+                            [](char16_t c) { return c < 0x20 || c == u'"' || c == u'\\'; });
+  if (plain) {
+    AppendUtf8(out, text);
+  } else {
+    AppendUtf8(out, EscapeJsonString(text));
+  }
 }
 
 std::u16string JoinFragments(const FragmentList& fragments, std::u16string_view indent) {

@@ -29,6 +29,8 @@ std::u16string FormatJsonQuat(const host::Quat& quat);
 // The body of a JSON string (no enclosing quotes). Only control characters, the double quote
 // and the backslash are escaped; everything else, the slash and non-ASCII included, is copied.
 std::u16string EscapeJsonString(std::u16string_view text);
+// The same body appended as UTF-8.
+void AppendEscapedJsonUtf8(std::string& out, std::u16string_view text);
 
 // Each fragment prefixed with `indent`, separated by ",\n", no separator after the last.
 std::u16string JoinFragments(const FragmentList& fragments, std::u16string_view indent);

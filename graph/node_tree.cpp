@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
-#include <set>
 
 #include "base/wide_text.h"
 #include "graph/class_dispatch.h"
@@ -22,42 +21,62 @@ bool IsMaterial(const host::Animatable& object) {
   return object.SuperClassID() == host::MATERIAL_CLASS_ID;
 }
 
+// Writes a tree straight into the package's bytes, in the order the walk meets the scene: every
+// host call happens as often and in the same order as the tree's text reads.
 class TreeWriter {
  public:
-  TreeWriter(const WriteContext& context, NodeTreeState& state)
-      : context_(context), state_(state) {}
+  TreeWriter(const WriteContext& context, NodeTreeState& state, std::string& out)
+      : context_(context), state_(state), out_(out) {}
 
-  std::u16string Write(const host::MtlBase* object, int depth);
+  void Write(const host::MtlBase* object, int depth);
   int refsWritten() const { return refs_; }
 
  private:
-  std::u16string WriteMultiTexture(const host::MtlBase& map, const std::u16string& indent,
-                                   const std::u16string& inner, FragmentList& fragments, int depth);
-  void WriteSlots(const host::MtlBase& object, const std::u16string& inner, int depth,
-                  std::vector<std::u16string>& children, std::vector<std::u16string>& disabled);
-  void WriteLayers(const host::Mtl& material, const std::u16string& inner, int depth,
-                   std::vector<std::u16string>& children);
-  std::u16string LayerEntry(const std::u16string& inner, int number, const std::u16string& material,
-                            std::optional<bool> enabled, float blend);
-  void AppendParams(FragmentList& fragments, const host::MtlBase& object);
+  // A node's children, written as they are walked. The slots found switched off are listed
+  // among the members, ahead of the children, once the walk has found them all.
+  struct Children {
+    size_t membersEnd = 0;
+    int written = 0;
+    std::vector<std::u16string> disabled;
+  };
+
+  void WriteParams(const host::MtlBase& object, const std::string& inner);
+  void WriteMultiTexture(const host::MtlBase& map, const std::string& inner, int depth);
+  void BeginChild(Children& children, const std::string& inner);
+  void EndChildren(const Children& children, const std::string& inner);
+  void WriteSlots(const host::MtlBase& object, const std::string& inner, int depth,
+                  Children& children);
+  void WriteLayers(const host::Mtl& material, const std::string& inner, int depth,
+                   Children& children);
+  void BeginLayerEntry(const std::string& inner, int number);
+  void EndLayerEntry(const std::string& inner, std::optional<bool> enabled, float blend);
   float BlendAmount(const host::Mtl& material, int index);
   std::optional<bool> LayerToggle(const host::Mtl& material, int index);
 
   const WriteContext& context_;
   NodeTreeState& state_;
+  std::string& out_;
+  std::vector<std::string> uncachedParams_;
   int refs_ = 0;
 };
 
-std::u16string TreeWriter::Write(const host::MtlBase* object, int depth) {
-  if (object == nullptr) return u"null";
-  std::u16string indent(static_cast<size_t>(2 * depth), u' ');
-  std::u16string inner = indent + u"  ";
+void TreeWriter::Write(const host::MtlBase* object, int depth) {
+  if (object == nullptr) {
+    out_ += "null";
+    return;
+  }
+  std::string indent(static_cast<size_t>(2 * depth), ' ');
+  std::string inner = indent + "  ";
   host::AnimHandle handle = object->GetHandle();
   if (handle != 0) {
     auto seen = state_.visited.find(handle);
     if (seen != state_.visited.end() && seen->second != kNoId) {
       ++refs_;
-      return indent + u"{ \"ref\": " + Decimal(seen->second) + u" }";
+      out_ += indent;
+      out_ += "{ \"ref\": ";
+      out_ += std::to_string(seen->second);
+      out_ += " }";
+      return;
     }
   }
   std::u16string className = object->GetClassName();
@@ -69,100 +88,147 @@ std::u16string TreeWriter::Write(const host::MtlBase* object, int depth) {
     auto [entry, inserted] = state_.visited.emplace(handle, id);
     if (!inserted && entry->second == kNoId) entry->second = id;
   }
-  FragmentList fragments{
-      u"\"node_id\": " + Decimal(id),
-      u"\"type\": \"" + EscapeJsonString(NormalizeClassTypeName(className, material)) + u"\"",
-      u"\"name\": \"" + EscapeJsonString(named ? object->GetName() : std::u16string()) + u"\""};
-  AppendParams(fragments, *object);
-
-  if (!material && object->SuperClassID() == host::TEXMAP_CLASS_ID &&
-      LowerAscii(className) == u"multitexture") {
-    return WriteMultiTexture(*object, indent, inner, fragments, depth);
-  }
-  std::vector<std::u16string> children, disabled;
-  WriteSlots(*object, inner, depth, children, disabled);
-  if (material) WriteLayers(static_cast<const host::Mtl&>(*object), inner, depth, children);
+  out_ += indent;
+  out_ += "{\n";
+  out_ += inner;
+  out_ += "\"node_id\": ";
+  out_ += std::to_string(id);
+  out_ += ",\n";
+  out_ += inner;
+  out_ += "\"type\": \"";
+  AppendEscapedJsonUtf8(out_, NormalizeClassTypeName(className, material));
+  out_ += "\",\n";
+  out_ += inner;
+  out_ += "\"name\": \"";
+  if (named) AppendEscapedJsonUtf8(out_, object->GetName());
+  out_ += '"';
+  WriteParams(*object, inner);
 
   std::u16string lowered = LowerAscii(className);
-  if (children.empty() && material &&
-      (lowered == u"material output selector" || lowered == u"material_output_selector")) {
-    host::Animatable* source = FindParamReference(object, u"source", context_.time);
-    if (source != nullptr && IsMaterial(*source)) {
-      std::u16string walked = Write(static_cast<const host::Mtl*>(source), depth + 1);
-      children.push_back(LayerEntry(inner, 1, walked, std::nullopt, 1.0f));
+  if (!material && object->SuperClassID() == host::TEXMAP_CLASS_ID && lowered == u"multitexture") {
+    WriteMultiTexture(*object, inner, depth);
+  } else {
+    Children children;
+    children.membersEnd = out_.size();
+    WriteSlots(*object, inner, depth, children);
+    if (material) WriteLayers(static_cast<const host::Mtl&>(*object), inner, depth, children);
+    if (children.written == 0 && material &&
+        (lowered == u"material output selector" || lowered == u"material_output_selector")) {
+      host::Animatable* source = FindParamReference(object, u"source", context_.time);
+      if (source != nullptr && IsMaterial(*source)) {
+        BeginChild(children, inner);
+        BeginLayerEntry(inner, 1);
+        Write(static_cast<const host::Mtl*>(source), depth + 1);
+        EndLayerEntry(inner, std::nullopt, 1.0f);
+      }
     }
+    EndChildren(children, inner);
   }
-  if (!disabled.empty()) {
-    std::u16string list = u"\"disabled_slots\": [";
-    for (size_t i = 0; i < disabled.size(); ++i) {
-      if (i > 0) list += u", ";
-      list += u"\"" + EscapeJsonString(disabled[i]) + u"\"";
-    }
-    fragments.push_back(list + u"]");
-  }
-  std::u16string suffix;
-  if (!children.empty()) {
-    suffix = u",\n" + inner + u"\"children\": {\n";
-    for (size_t i = 0; i < children.size(); ++i) {
-      if (i > 0) suffix += u",\n";
-      suffix += children[i];
-    }
-    suffix += u"\n" + inner + u"}";
-  }
-  return indent + u"{\n" + JoinFragments(fragments, inner) + suffix + u"\n" + indent + u"}";
+  out_ += '\n';
+  out_ += indent;
+  out_ += '}';
 }
 
-void TreeWriter::AppendParams(FragmentList& fragments, const host::MtlBase& object) {
+void TreeWriter::WriteParams(const host::MtlBase& object, const std::string& inner) {
+  const std::vector<std::string>* fragments = nullptr;
   if (context_.params != nullptr) {
     auto cached = context_.params->byObject.find(&object);
-    if (cached != context_.params->byObject.end()) {
-      fragments.insert(fragments.end(), cached->second.begin(), cached->second.end());
-      return;
+    if (cached != context_.params->byObject.end()) fragments = &cached->second;
+  }
+  if (fragments == nullptr) {
+    FragmentList own = WriteParamsForClass(context_, object);
+    AppendOutputProbe(own, context_, object);
+    std::vector<std::string> utf8;
+    utf8.reserve(own.size());
+    for (const std::u16string& fragment : own)
+      utf8.push_back(ToUtf8(fragment));
+    if (context_.params != nullptr) {
+      fragments = &context_.params->byObject.emplace(&object, std::move(utf8)).first->second;
+    } else {
+      uncachedParams_ = std::move(utf8);
+      fragments = &uncachedParams_;
     }
   }
-  FragmentList own = WriteParamsForClass(context_, object);
-  AppendOutputProbe(own, context_, object);
-  fragments.insert(fragments.end(), own.begin(), own.end());
-  if (context_.params != nullptr) context_.params->byObject.emplace(&object, std::move(own));
+  for (const std::string& fragment : *fragments) {
+    out_ += ",\n";
+    out_ += inner;
+    out_ += fragment;
+  }
 }
 
-std::u16string TreeWriter::WriteMultiTexture(const host::MtlBase& map, const std::u16string& indent,
-                                             const std::u16string& inner, FragmentList& fragments,
-                                             int depth) {
-  std::vector<std::u16string> kept;
+void TreeWriter::WriteMultiTexture(const host::MtlBase& map, const std::string& inner, int depth) {
+  bool anyKept = false;
   for (int i = 0; i < map.NumSubTexmaps(); ++i) {
     ParamValue on = FindParamTabValue(&map, u"submap_on", i, context_.time);
     if (on.kind == ParamKind::kBool && !on.boolValue) continue;
     const host::Texmap* sub = map.GetSubTexmap(i);
-    if (sub != nullptr) kept.push_back(Write(sub, depth + 1));
-  }
-  if (!kept.empty()) {
-    std::u16string textures = inner + u"\"textures\": [\n";
-    for (size_t i = 0; i < kept.size(); ++i) {
-      if (i > 0) textures += u",\n";
-      textures += kept[i];
+    if (sub == nullptr) continue;
+    if (anyKept) {
+      out_ += ",\n";
+    } else {
+      // The member's text starts with its own indent, and every member is indented again.
+      out_ += ",\n";
+      out_ += inner;
+      out_ += inner;
+      out_ += "\"textures\": [\n";
+      anyKept = true;
     }
-    fragments.push_back(textures + u"\n" + inner + u"]");
+    Write(sub, depth + 1);
   }
-  return indent + u"{\n" + JoinFragments(fragments, inner) + u"\n" + indent + u"}";
+  if (anyKept) {
+    out_ += '\n';
+    out_ += inner;
+    out_ += ']';
+  }
 }
 
-void TreeWriter::WriteSlots(const host::MtlBase& object, const std::u16string& inner, int depth,
-                            std::vector<std::u16string>& children,
-                            std::vector<std::u16string>& disabled) {
-  std::set<std::u16string> used;
+void TreeWriter::BeginChild(Children& children, const std::string& inner) {
+  out_ += ",\n";
+  if (children.written++ == 0) {
+    out_ += inner;
+    out_ += "\"children\": {\n";
+  }
+}
+
+void TreeWriter::EndChildren(const Children& children, const std::string& inner) {
+  if (children.written > 0) {
+    out_ += '\n';
+    out_ += inner;
+    out_ += '}';
+  }
+  if (children.disabled.empty()) return;
+  std::string list = ",\n" + inner + "\"disabled_slots\": [";
+  for (size_t i = 0; i < children.disabled.size(); ++i) {
+    if (i > 0) list += ", ";
+    list += '"';
+    AppendEscapedJsonUtf8(list, children.disabled[i]);
+    list += '"';
+  }
+  list += ']';
+  out_.insert(children.membersEnd, list);
+}
+
+void TreeWriter::WriteSlots(const host::MtlBase& object, const std::string& inner, int depth,
+                            Children& children) {
+  // A handful of slots per object: a list searched in place costs less than a tree of them.
+  std::vector<std::u16string> used;
   for (int i = 0; i < object.NumSubTexmaps(); ++i) {
     std::u16string slot = object.GetSubTexmapSlotName(i, false);
-    if (slot.empty() || used.count(slot) != 0)
+    if (slot.empty() || std::find(used.begin(), used.end(), slot) != used.end())
       slot = u"slot_" + Decimal(static_cast<uint64_t>(i) + 1);
-    used.insert(slot);
+    used.push_back(slot);
     const host::Texmap* map = object.GetSubTexmap(i);
     if (map == nullptr) continue;
     if (!IsSubTexmapEnabled(&object, map, context_.time)) {
-      disabled.push_back(slot);
+      children.disabled.push_back(slot);
       continue;
     }
-    children.push_back(inner + u"  \"" + EscapeJsonString(slot) + u"\": " + Write(map, depth + 1));
+    BeginChild(children, inner);
+    out_ += inner;
+    out_ += "  \"";
+    AppendEscapedJsonUtf8(out_, slot);
+    out_ += "\": ";
+    Write(map, depth + 1);
   }
 }
 
@@ -195,29 +261,46 @@ std::optional<bool> TreeWriter::LayerToggle(const host::Mtl& material, int index
   return std::nullopt;
 }
 
-std::u16string TreeWriter::LayerEntry(const std::u16string& inner, int number,
-                                      const std::u16string& material, std::optional<bool> enabled,
-                                      float blend) {
-  std::u16string entry = inner + u"  \"layer_" + Decimal(static_cast<uint64_t>(number)) +
-                         u"\": {\n" + inner + u"    \"material\": " + material + u",\n";
-  if (enabled) entry += inner + u"    \"enabled\": " + FormatJsonBool(*enabled) + u",\n";
-  return entry + inner + u"    \"blend_amount\": " + FormatJsonNumber(blend) + u"\n" + inner +
-         u"  }";
+void TreeWriter::BeginLayerEntry(const std::string& inner, int number) {
+  out_ += inner;
+  out_ += "  \"layer_";
+  out_ += std::to_string(number);
+  out_ += "\": {\n";
+  out_ += inner;
+  out_ += "    \"material\": ";
 }
 
-void TreeWriter::WriteLayers(const host::Mtl& material, const std::u16string& inner, int depth,
-                             std::vector<std::u16string>& children) {
+void TreeWriter::EndLayerEntry(const std::string& inner, std::optional<bool> enabled, float blend) {
+  out_ += ",\n";
+  if (enabled) {
+    out_ += inner;
+    out_ += "    \"enabled\": ";
+    out_ += *enabled ? "true" : "false";
+    out_ += ",\n";
+  }
+  out_ += inner;
+  out_ += "    \"blend_amount\": ";
+  AppendUtf8(out_, FormatJsonNumber(blend));
+  out_ += '\n';
+  out_ += inner;
+  out_ += "  }";
+}
+
+void TreeWriter::WriteLayers(const host::Mtl& material, const std::string& inner, int depth,
+                             Children& children) {
   for (int i = 0; i < material.NumSubMtls(); ++i) {
     float blend = BlendAmount(material, i);
-    std::u16string walked = Write(material.GetSubMtl(i), depth + 1);
-    children.push_back(LayerEntry(inner, i + 1, walked, LayerToggle(material, i), blend));
+    BeginChild(children, inner);
+    BeginLayerEntry(inner, i + 1);
+    Write(material.GetSubMtl(i), depth + 1);
+    EndLayerEntry(inner, LayerToggle(material, i), blend);
   }
 }
 
 int WriteAfresh(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
                 int depth, std::string& out) {
-  TreeWriter writer(context, state);
-  AppendUtf8(out, writer.Write(object, depth));
+  TreeWriter writer(context, state, out);
+  writer.Write(object, depth);
   return writer.refsWritten();
 }
 

@@ -26,10 +26,10 @@ struct ProbeReplies {
 };
 
 // The parameter members of each material and map (its class's parameters and output probe), by
-// object. For the same reason they are written once per build; node ids and references, which
-// depend on the tree, are not part of them.
+// object, as UTF-8. For the same reason they are written once per build; node ids and
+// references, which depend on the tree, are not part of them.
 struct ParamFragments {
-  std::unordered_map<const host::MtlBase*, std::vector<std::u16string>> byObject;
+  std::unordered_map<const host::MtlBase*, std::vector<std::string>> byObject;
 };
 
 // A whole tree written from a fresh start (no node visited yet) depends only on the scene and on

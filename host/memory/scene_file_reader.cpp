@@ -120,10 +120,29 @@ class Loader {
     JsonPath path = fields.PathOf("id");
     std::string id = ReadString(fields.Get("id"), path);
     if (id.empty()) Fail(path, "an id must not be empty");
-    auto [existing, inserted] = idPaths_.emplace(id, path);
-    if (!inserted)
-      Fail(path, "duplicate id \"" + id + "\" (first used at " + existing->second.Text() + ")");
+    if (const host::Animatable* first = scene_->FindById(id)) {
+      Fail(path, "duplicate id \"" + id + "\" (first used at " + DeclarationOf(first).Text() + ")");
+    }
     return id;
+  }
+
+  // Where an entity's id was read. Searched only for the message about a second use: the scene's
+  // own table of ids tells whether an id is taken.
+  JsonPath DeclarationOf(const host::Animatable* entity) const {
+    JsonPath path;
+    auto search = [&](const auto& declared) {
+      for (const auto& [fields, declaredEntity] : declared) {
+        if (fields && static_cast<const host::Animatable*>(declaredEntity) == entity)
+          path = fields->PathOf("id");
+      }
+    };
+    search(nodes_);
+    search(objects_);
+    search(derived_);
+    search(modifiers_);
+    search(materials_);
+    search(maps_);
+    return path;
   }
 
   void ReadSettings(const Fields& top) {
@@ -682,7 +701,6 @@ class Loader {
   JsonValue root_;
   std::filesystem::path folder_;
   std::unique_ptr<MemScene> scene_;
-  std::map<std::string, JsonPath> idPaths_;
   std::vector<std::pair<AnimHandle, JsonPath>> handlePaths_;
   Declared<MemNode> nodes_;
   Declared<MemObject> objects_;

@@ -2,9 +2,11 @@
 // of the package it wrote. Usage: package_bench [--repeat N] OUTPUT_FOLDER SCENE... ; with
 // "--boxes N" as a scene, a scene of N objects all named "Box" is built in memory instead. Each
 // build runs N times on a freshly loaded scene; the fastest run is reported, since wall time on a
-// shared machine only ever errs upwards. The floor is what this machine needs to produce and write
-// the same number of bytes of text in a tight loop (the package's own bytes appended record-sized
-// piece by piece, then written), measured in the same run; "x floor" is the build against it.
+// shared machine only ever errs upwards. Two floors are measured in the same run: the writer floor,
+// what this machine needs to produce the same JSON from its values in a tight loop (strings
+// escaped, numbers formatted, the rest copied) and write it, and the copy floor, what it needs
+// to append the package's own bytes record-sized piece by piece and write them. "x writer" and
+// "x copy" are the build against each.
 #include <malloc.h>
 
 #include <chrono>
@@ -15,6 +17,7 @@
 #include <string>
 
 #include "base/huge_pages.h"
+#include "bench/json_writer_floor.h"
 #include "host/memory/scene_file.h"
 #include "package/package_builder.h"
 
@@ -54,25 +57,47 @@ std::unique_ptr<host::memory::MemScene> Boxes(int count) {
 
 struct Measurement {
   int objects = 0;
-  double seconds = 0, packageMb = 0, builderMb = 0, floorSeconds = 0;
+  double seconds = 0, packageMb = 0, builderMb = 0, copySeconds = 0, writerSeconds = 0;
 };
 
 double Seconds(std::chrono::steady_clock::time_point since) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
 }
 
+std::string FileBytes(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
 // Appends the package's bytes in 2 KiB pieces (about one object record) to a growing text and
-// writes it, as a builder that did nothing but produce its output would.
-double FloorSeconds(const fs::path& package, const fs::path& scratch) {
-  std::ifstream in(package, std::ios::binary);
-  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+// writes it, as a builder that did nothing but copy its output would.
+double CopyFloorSeconds(const std::string& package, const fs::path& scratch) {
   constexpr size_t kPiece = 2048;
   auto start = std::chrono::steady_clock::now();
   std::string text;
-  for (size_t at = 0; at < bytes.size(); at += kPiece)
-    text.append(bytes, at, kPiece);
+  for (size_t at = 0; at < package.size(); at += kPiece)
+    text.append(package, at, kPiece);
   std::ofstream(scratch, std::ios::binary | std::ios::trunc) << text;
   return Seconds(start);
+}
+
+// Writes the package's values as JSON and writes the text, as a builder that had every value at
+// hand would. Stops the benchmark if the text it wrote is not about the package's size, since the
+// floor would then measure something else.
+double WriterFloorSeconds(const std::string& package, const fs::path& scratch) {
+  bench::JsonValues values = bench::SplitJson(package);
+  auto start = std::chrono::steady_clock::now();
+  std::string text;
+  bench::WriteJsonValues(values, text);
+  std::ofstream(scratch, std::ios::binary | std::ios::trunc) << text;
+  double seconds = Seconds(start);
+  double ratio = static_cast<double>(text.size()) / static_cast<double>(package.size());
+  if (ratio < 0.99 || ratio > 1.01) {
+    std::fprintf(stderr, "the writer floor wrote %zu bytes for a package of %zu\n", text.size(),
+                 package.size());
+    std::exit(1);
+  }
+  return seconds;
 }
 
 Measurement BuildOnce(host::memory::MemScene& scene, const fs::path& document) {
@@ -89,7 +114,10 @@ Measurement BuildOnce(host::memory::MemScene& scene, const fs::path& document) {
   measured.packageMb = static_cast<double>(fs::file_size(document)) / 1e6;
   measured.objects = result.objectCount;
   fs::path scratch = document;
-  measured.floorSeconds = FloorSeconds(document, scratch.replace_extension(".floor"));
+  scratch.replace_extension(".floor");
+  std::string package = FileBytes(document);
+  measured.copySeconds = CopyFloorSeconds(package, scratch);
+  measured.writerSeconds = WriterFloorSeconds(package, scratch);
   fs::remove(scratch);
   return measured;
 }
@@ -110,8 +138,8 @@ int main(int argc, char** argv) {
   }
   fs::path output = args[0];
   fs::create_directories(output);
-  std::printf("%-28s %10s %9s %9s %8s %12s %12s %9s\n", "scene", "objects", "seconds", "floor s",
-              "x floor", "package MB", "builder MB", "x package");
+  std::printf("%-24s %8s %8s %9s %9s %7s %7s %11s %11s %9s\n", "scene", "objects", "seconds",
+              "writer s", "x writer", "copy s", "x copy", "package MB", "builder MB", "x package");
   for (size_t i = 1; i < args.size(); ++i) {
     std::string source = args[i], boxes;
     if (source == "--boxes" && i + 1 < args.size()) boxes = args[++i];
@@ -131,16 +159,18 @@ int main(int argc, char** argv) {
       }
       Measurement measured = BuildOnce(*scene, output / (label + ".json"));
       if (run == 0 || measured.seconds < best.seconds) best.seconds = measured.seconds;
-      if (run == 0 || measured.floorSeconds < best.floorSeconds) {
-        best.floorSeconds = measured.floorSeconds;
-      }
+      if (run == 0 || measured.copySeconds < best.copySeconds)
+        best.copySeconds = measured.copySeconds;
+      if (run == 0 || measured.writerSeconds < best.writerSeconds)
+        best.writerSeconds = measured.writerSeconds;
       best.objects = measured.objects;
       best.packageMb = measured.packageMb;
       best.builderMb = std::max(best.builderMb, measured.builderMb);
     }
-    std::printf("%-28s %10d %9.3f %9.3f %8.2f %12.1f %12.1f %9.2f\n", label.c_str(), best.objects,
-                best.seconds, best.floorSeconds, best.seconds / best.floorSeconds, best.packageMb,
-                best.builderMb, best.builderMb / best.packageMb);
+    std::printf("%-24s %8d %8.3f %9.3f %9.2f %7.3f %7.2f %11.1f %11.1f %9.2f\n", label.c_str(),
+                best.objects, best.seconds, best.writerSeconds, best.seconds / best.writerSeconds,
+                best.copySeconds, best.seconds / best.copySeconds, best.packageMb, best.builderMb,
+                best.builderMb / best.packageMb);
   }
   return 0;
 }

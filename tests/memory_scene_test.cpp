@@ -198,11 +198,13 @@ TEST(MemoryScene, ConversionToTriangleMeshesFollowsTheOwnershipRules) {
 
 // Ids are kept in an open-addressed table: deleting from the middle of long runs must leave
 // every other id findable, and a deleted id findable no more.
-TEST(MemoryScene, IdsStayFindableWhileObjectsAreDeleted) {
+TEST(MemoryScene, IdsStayFindableWhileObjectsAreDeletedAndRoomIsMade) {
   MemScene scene;
   std::vector<MemObject*> objects;
-  for (int i = 0; i < 3000; ++i)
+  for (int i = 0; i < 3000; ++i) {
+    if (i == 1500) scene.ReserveIds(5000);
     objects.push_back(&scene.AddObject("object-" + std::to_string(i)));
+  }
   for (int i = 0; i < 3000; i += 3)
     objects[static_cast<size_t>(i)]->DeleteThis();
   for (int i = 0; i < 3000; ++i) {

@@ -1,5 +1,6 @@
 #include "host/memory/id_table.h"
 
+#include <algorithm>
 #include <functional>
 #include <utility>
 
@@ -22,17 +23,23 @@ size_t IdTable::SlotOf(std::string_view id, size_t hash) const {
   return at;
 }
 
-void IdTable::Grow() {
-  std::vector<Slot> old =
-      std::exchange(slots_, std::vector<Slot>(std::max<size_t>(16, 2 * slots_.size())));
+void IdTable::Rehash(size_t slotCount) {
+  std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(slotCount));
   for (const Slot& slot : old) {
     if (slot.animatable != nullptr) slots_[SlotOf(slot.id, slot.hash)] = slot;
   }
 }
 
+void IdTable::Reserve(size_t count) {
+  size_t slotCount = std::max<size_t>(16, slots_.size());
+  while (slotCount < 2 * count)
+    slotCount *= 2;
+  if (slotCount > slots_.size()) Rehash(slotCount);
+}
+
 void IdTable::Set(std::string_view id, Animatable* animatable) {
   if (animatable == nullptr) return;
-  if (2 * (used_ + 1) > slots_.size()) Grow();
+  if (2 * (used_ + 1) > slots_.size()) Rehash(std::max<size_t>(16, 2 * slots_.size()));
   size_t hash = HashOf(id);
   Slot& slot = slots_[SlotOf(id, hash)];
   if (slot.animatable == nullptr) ++used_;

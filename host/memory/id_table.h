@@ -15,6 +15,8 @@ namespace orvane::host::memory {
 // which must stay unchanged for as long as the entry does.
 class IdTable {
  public:
+  // Room for `count` entries without growing on the way.
+  void Reserve(size_t count);
   // A second entry under the same id replaces the first.
   void Set(std::string_view id, Animatable* animatable);
   Animatable* Find(std::string_view id) const;
@@ -30,7 +32,7 @@ class IdTable {
 
   // The slot holding `id`, or the free slot that ends its run.
   size_t SlotOf(std::string_view id, size_t hash) const;
-  void Grow();
+  void Rehash(size_t slotCount);
 
   std::vector<Slot> slots_;  // a power of two in size, at most half full
   size_t used_ = 0;

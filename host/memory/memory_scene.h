@@ -397,6 +397,8 @@ class MemScene final : public Interface, public IFileResolutionManager {
   MemMtl& AddMaterial(std::string id);
   MemTexmap& AddMap(std::string id);
 
+  // Room for `count` scene-file ids, so that a large scene's ids are not rehashed as they come.
+  void ReserveIds(size_t count) { byId_.Reserve(count); }
   // Any animatable by its scene-file id, or null (a mesh converted since has none to find).
   Animatable* FindById(const std::string& id) const;
   // Gives every animatable whose handle was not given the next free one.

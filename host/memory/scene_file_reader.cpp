@@ -60,6 +60,12 @@ class Loader {
 
   // First pass: every entity gets its id, so references may point forwards.
   void DeclareAll(const Fields& top) {
+    size_t entities = 0;
+    for (std::string_view list : {"nodes", "objects", "modifiers", "materials", "maps"}) {
+      std::optional<JsonValue> found = top.Find(list);
+      if (found && found->IsArray()) entities += found->size();
+    }
+    scene_->ReserveIds(entities);
     Declare(top, "nodes",
             {"id", "handle", "name", "parent", "object", "worldState", "material", "target",
              "transform"},

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstdlib>
 
+#include "base/wide_text.h"
+
 namespace orvane::bench {
 
 namespace {
@@ -13,24 +15,6 @@ bool StartsNumber(char c) {
 
 bool InNumber(char c) {
   return StartsNumber(c) || c == '.' || c == 'e' || c == 'E' || c == '+';
-}
-
-void AppendCodePoint(std::string& out, unsigned long code) {
-  if (code < 0x80) {
-    out += static_cast<char>(code);
-  } else if (code < 0x800) {
-    out += static_cast<char>(0xC0 | (code >> 6));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    out += static_cast<char>(0xE0 | (code >> 12));
-    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (code >> 18));
-    out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  }
 }
 
 // Decodes the string whose opening quote is at `at` into `out`; answers where it ends.
@@ -50,15 +34,16 @@ size_t DecodeString(std::string_view text, size_t at, std::string& out) {
       case 'b': out += '\b'; break;
       case 'f': out += '\f'; break;
       case 'u': {
-        unsigned long code = std::strtoul(std::string(text.substr(i, 4)).c_str(), nullptr, 16);
-        i += 4;
-        bool pair = code >= 0xD800 && code < 0xDC00 && text.substr(i, 2) == "\\u";
-        if (pair) {
-          unsigned long low = std::strtoul(std::string(text.substr(i + 2, 4)).c_str(), nullptr, 16);
-          code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
-          i += 6;
+        // A run of escaped units at once, so that a surrogate pair comes out as one character.
+        std::u16string units;
+        for (;;) {
+          units += static_cast<char16_t>(
+              std::strtoul(std::string(text.substr(i, 4)).c_str(), nullptr, 16));
+          i += 4;
+          if (text.substr(i, 2) != "\\u") break;
+          i += 2;
         }
-        AppendCodePoint(out, code);
+        AppendUtf8(out, units);
         break;
       }
       default: out += escaped;  // the quote, the backslash and the slash stand for themselves

@@ -17,6 +17,12 @@ namespace {
 
 constexpr uint32_t kNoId = std::numeric_limits<uint32_t>::max();
 
+// Appends each piece in turn: the tree's text is written piece by piece, never built apart.
+template <class... Pieces>
+void Append(std::string& out, const Pieces&... pieces) {
+  (out.append(pieces), ...);
+}
+
 bool IsMaterial(const host::Animatable& object) {
   return object.SuperClassID() == host::MATERIAL_CLASS_ID;
 }
@@ -72,10 +78,7 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
     auto seen = state_.visited.find(handle);
     if (seen != state_.visited.end() && seen->second != kNoId) {
       ++refs_;
-      out_ += indent;
-      out_ += "{ \"ref\": ";
-      out_ += std::to_string(seen->second);
-      out_ += " }";
+      Append(out_, indent, "{ \"ref\": ", std::to_string(seen->second), " }");
       return;
     }
   }
@@ -88,18 +91,10 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
     auto [entry, inserted] = state_.visited.emplace(handle, id);
     if (!inserted && entry->second == kNoId) entry->second = id;
   }
-  out_ += indent;
-  out_ += "{\n";
-  out_ += inner;
-  out_ += "\"node_id\": ";
-  out_ += std::to_string(id);
-  out_ += ",\n";
-  out_ += inner;
-  out_ += "\"type\": \"";
+  Append(out_, indent, "{\n", inner, "\"node_id\": ", std::to_string(id), ",\n", inner,
+         "\"type\": \"");
   AppendEscapedJsonUtf8(out_, NormalizeClassTypeName(className, material));
-  out_ += "\",\n";
-  out_ += inner;
-  out_ += "\"name\": \"";
+  Append(out_, "\",\n", inner, "\"name\": \"");
   if (named) AppendEscapedJsonUtf8(out_, object->GetName());
   out_ += '"';
   WriteParams(*object, inner);
@@ -124,9 +119,7 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
     }
     EndChildren(children, inner);
   }
-  out_ += '\n';
-  out_ += indent;
-  out_ += '}';
+  Append(out_, "\n", indent, "}");
 }
 
 void TreeWriter::WriteParams(const host::MtlBase& object, const std::string& inner) {
@@ -149,11 +142,8 @@ void TreeWriter::WriteParams(const host::MtlBase& object, const std::string& inn
       fragments = &uncachedParams_;
     }
   }
-  for (const std::string& fragment : *fragments) {
-    out_ += ",\n";
-    out_ += inner;
-    out_ += fragment;
-  }
+  for (const std::string& fragment : *fragments)
+    Append(out_, ",\n", inner, fragment);
 }
 
 void TreeWriter::WriteMultiTexture(const host::MtlBase& map, const std::string& inner, int depth) {
@@ -163,39 +153,22 @@ void TreeWriter::WriteMultiTexture(const host::MtlBase& map, const std::string& 
     if (on.kind == ParamKind::kBool && !on.boolValue) continue;
     const host::Texmap* sub = map.GetSubTexmap(i);
     if (sub == nullptr) continue;
-    if (anyKept) {
-      out_ += ",\n";
-    } else {
-      // The member's text starts with its own indent, and every member is indented again.
-      out_ += ",\n";
-      out_ += inner;
-      out_ += inner;
-      out_ += "\"textures\": [\n";
-      anyKept = true;
-    }
+    // The member's text starts with its own indent, and every member is indented again.
+    Append(out_, ",\n");
+    if (!anyKept) Append(out_, inner, inner, "\"textures\": [\n");
+    anyKept = true;
     Write(sub, depth + 1);
   }
-  if (anyKept) {
-    out_ += '\n';
-    out_ += inner;
-    out_ += ']';
-  }
+  if (anyKept) Append(out_, "\n", inner, "]");
 }
 
 void TreeWriter::BeginChild(Children& children, const std::string& inner) {
   out_ += ",\n";
-  if (children.written++ == 0) {
-    out_ += inner;
-    out_ += "\"children\": {\n";
-  }
+  if (children.written++ == 0) Append(out_, inner, "\"children\": {\n");
 }
 
 void TreeWriter::EndChildren(const Children& children, const std::string& inner) {
-  if (children.written > 0) {
-    out_ += '\n';
-    out_ += inner;
-    out_ += '}';
-  }
+  if (children.written > 0) Append(out_, "\n", inner, "}");
   if (children.disabled.empty()) return;
   std::string list = ",\n" + inner + "\"disabled_slots\": [";
   for (size_t i = 0; i < children.disabled.size(); ++i) {
@@ -224,8 +197,7 @@ void TreeWriter::WriteSlots(const host::MtlBase& object, const std::string& inne
       continue;
     }
     BeginChild(children, inner);
-    out_ += inner;
-    out_ += "  \"";
+    Append(out_, inner, "  \"");
     AppendEscapedJsonUtf8(out_, slot);
     out_ += "\": ";
     Write(map, depth + 1);
@@ -262,28 +234,15 @@ std::optional<bool> TreeWriter::LayerToggle(const host::Mtl& material, int index
 }
 
 void TreeWriter::BeginLayerEntry(const std::string& inner, int number) {
-  out_ += inner;
-  out_ += "  \"layer_";
-  out_ += std::to_string(number);
-  out_ += "\": {\n";
-  out_ += inner;
-  out_ += "    \"material\": ";
+  Append(out_, inner, "  \"layer_", std::to_string(number), "\": {\n", inner, "    \"material\": ");
 }
 
 void TreeWriter::EndLayerEntry(const std::string& inner, std::optional<bool> enabled, float blend) {
   out_ += ",\n";
-  if (enabled) {
-    out_ += inner;
-    out_ += "    \"enabled\": ";
-    out_ += *enabled ? "true" : "false";
-    out_ += ",\n";
-  }
-  out_ += inner;
-  out_ += "    \"blend_amount\": ";
+  if (enabled) Append(out_, inner, "    \"enabled\": ", *enabled ? "true" : "false", ",\n");
+  Append(out_, inner, "    \"blend_amount\": ");
   AppendUtf8(out_, FormatJsonNumber(blend));
-  out_ += '\n';
-  out_ += inner;
-  out_ += "  }";
+  Append(out_, "\n", inner, "  }");
 }
 
 void TreeWriter::WriteLayers(const host::Mtl& material, const std::string& inner, int depth,

@@ -1,13 +1,20 @@
 #include "bench/json_writer_floor.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <iterator>
+#include <utility>
 
 #include "base/wide_text.h"
 
 namespace orvane::bench {
 
 namespace {
+
+// The escapes that name their character with a letter, as (letter, character).
+constexpr std::pair<char, char> kLetterEscapes[] = {
+    {'"', '"'}, {'\\', '\\'}, {'n', '\n'}, {'t', '\t'}, {'r', '\r'}, {'b', '\b'}, {'f', '\f'}};
 
 bool StartsNumber(char c) {
   return c == '-' || (c >= '0' && c <= '9');
@@ -27,27 +34,22 @@ size_t DecodeString(std::string_view text, size_t at, std::string& out) {
     }
     char escaped = text[i + 1];
     i += 2;
-    switch (escaped) {
-      case 'n': out += '\n'; break;
-      case 't': out += '\t'; break;
-      case 'r': out += '\r'; break;
-      case 'b': out += '\b'; break;
-      case 'f': out += '\f'; break;
-      case 'u': {
-        // A run of escaped units at once, so that a surrogate pair comes out as one character.
-        std::u16string units;
-        for (;;) {
-          units += static_cast<char16_t>(
-              std::strtoul(std::string(text.substr(i, 4)).c_str(), nullptr, 16));
-          i += 4;
-          if (text.substr(i, 2) != "\\u") break;
-          i += 2;
-        }
-        AppendUtf8(out, units);
-        break;
-      }
-      default: out += escaped;  // the quote, the backslash and the slash stand for themselves
+    if (escaped != 'u') {
+      const auto* letter = std::find_if(std::begin(kLetterEscapes), std::end(kLetterEscapes),
+                                        [&](const auto& pair) { return pair.first == escaped; });
+      out += letter != std::end(kLetterEscapes) ? letter->second : escaped;  // "/" is itself
+      continue;
     }
+    // A run of escaped units at once, so that a surrogate pair comes out as one character.
+    std::u16string units;
+    for (;;) {
+      units +=
+          static_cast<char16_t>(std::strtoul(std::string(text.substr(i, 4)).c_str(), nullptr, 16));
+      i += 4;
+      if (text.substr(i, 2) != "\\u") break;
+      i += 2;
+    }
+    AppendUtf8(out, units);
   }
   return i + 1;
 }
@@ -60,16 +62,15 @@ void AppendEscaped(std::string& out, std::string_view text) {
     if (c >= 0x20 && c != '"' && c != '\\') continue;
     out.append(text, run, i - run);
     run = i + 1;
-    switch (c) {
-      case '"': out += "\\\""; break;
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\t': out += "\\t"; break;
-      case '\r': out += "\\r"; break;
-      default:
-        out += "\\u00";
-        out += kHex[c >> 4];
-        out += kHex[c & 0xF];
+    const auto* letter = std::find_if(std::begin(kLetterEscapes), std::end(kLetterEscapes),
+                                      [&](const auto& pair) { return pair.second == text[i]; });
+    if (letter != std::end(kLetterEscapes)) {
+      out += '\\';
+      out += letter->first;
+    } else {
+      out += "\\u00";
+      out += kHex[c >> 4];
+      out += kHex[c & 0xF];
     }
   }
   out.append(text, run);

@@ -18,6 +18,7 @@
 
 #include "base/huge_pages.h"
 #include "bench/json_writer_floor.h"
+#include "host/local_file_system.h"
 #include "host/memory/scene_file.h"
 #include "package/package_builder.h"
 
@@ -62,11 +63,6 @@ struct Measurement {
 
 double Seconds(std::chrono::steady_clock::time_point since) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
-}
-
-std::string FileBytes(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
 }
 
 // Appends the package's bytes in 2 KiB pieces (about one object record) to a growing text and
@@ -115,7 +111,8 @@ Measurement BuildOnce(host::memory::MemScene& scene, const fs::path& document) {
   measured.objects = result.objectCount;
   fs::path scratch = document;
   scratch.replace_extension(".floor");
-  std::string package = FileBytes(document);
+  std::string package =
+      host::LocalFileSystem().ReadBytes(document.u16string(), UINT64_MAX).value_or("");
   measured.copySeconds = CopyFloorSeconds(package, scratch);
   measured.writerSeconds = WriterFloorSeconds(package, scratch);
   fs::remove(scratch);

@@ -39,14 +39,39 @@ std::optional<std::string> LocalFileSystem::ReadBytes(std::u16string_view path,
   return ReadRegularFile(ToLocalPath(path), maxBytes).bytes;
 }
 
-bool LocalFileSystem::WriteParts(std::u16string_view path,
-                                 std::span<const std::string_view> parts) {
-  std::ofstream out(ToLocalPath(path), std::ios::binary | std::ios::trunc);
+namespace {
+
+bool WriteInPlace(const fs::path& file, std::span<const std::string_view> parts) {
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
   if (!out) return false;
   for (std::string_view part : parts)
     out.write(part.data(), static_cast<std::streamsize>(part.size()));
   out.close();
   return !out.fail();
+}
+
+}  // namespace
+
+// A plain file is written beside itself and renamed over the old one only once every byte is
+// out, so a write that fails half way (a full disk) leaves no truncated document behind. Devices,
+// links and anything else that is not a plain file are written where they stand: renaming over
+// them would replace the link or the device itself.
+bool LocalFileSystem::WriteParts(std::u16string_view path,
+                                 std::span<const std::string_view> parts) {
+  fs::path file = ToLocalPath(path);
+  std::error_code error;
+  fs::file_type type = fs::symlink_status(file, error).type();
+  if (type != fs::file_type::not_found && type != fs::file_type::regular) {
+    return WriteInPlace(file, parts);
+  }
+  fs::path writing = file;
+  writing += ".writing";
+  if (WriteInPlace(writing, parts)) {
+    fs::rename(writing, file, error);
+    if (!error) return true;
+  }
+  if (fs::is_regular_file(fs::symlink_status(writing, error))) fs::remove(writing, error);
+  return false;
 }
 
 bool LocalFileSystem::CreateDirectory(std::u16string_view path) {

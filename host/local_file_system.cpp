@@ -50,6 +50,13 @@ bool WriteInPlace(const fs::path& file, std::span<const std::string_view> parts)
   return !out.fail();
 }
 
+// Files only, like the kernel's DeleteFileW: a folder of that name stays. A link is removed
+// itself, never what it leads to.
+bool RemoveFileOnly(const fs::path& file) {
+  std::error_code error;
+  return !fs::is_directory(fs::symlink_status(file, error)) && fs::remove(file, error);
+}
+
 }  // namespace
 
 // A plain file is written beside itself and renamed over the old one only once every byte is
@@ -66,11 +73,14 @@ bool LocalFileSystem::WriteParts(std::u16string_view path,
   }
   fs::path writing = file;
   writing += ".writing";
+  // What an interrupted write left there goes first: a link there would lead this write into
+  // another file.
+  RemoveFileOnly(writing);
   if (WriteInPlace(writing, parts)) {
     fs::rename(writing, file, error);
     if (!error) return true;
   }
-  if (fs::is_regular_file(fs::symlink_status(writing, error))) fs::remove(writing, error);
+  RemoveFileOnly(writing);
   return false;
 }
 
@@ -84,10 +94,7 @@ bool LocalFileSystem::CopyFile(std::u16string_view from, std::u16string_view to)
 }
 
 bool LocalFileSystem::DeleteFile(std::u16string_view path) {
-  // Files only, like the kernel's DeleteFileW: a folder of that name stays.
-  std::error_code error;
-  fs::path local = ToLocalPath(path);
-  return !fs::is_directory(fs::symlink_status(local, error)) && fs::remove(local, error);
+  return RemoveFileOnly(ToLocalPath(path));
 }
 
 }  // namespace orvane::host

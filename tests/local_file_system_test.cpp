@@ -69,6 +69,17 @@ class FileSizeLimit {
   void (*previousHandler_)(int) = nullptr;
 };
 
+TEST(LocalFileSystem, ALinkLeftWhereTheFileIsWrittenFirstLeadsNowhere) {
+  TempFolder folder("orvane-files");
+  folder.Write("elsewhere.txt", "not ours");
+  fs::create_symlink(folder.path / "elsewhere.txt", folder.path / "1.json.writing");
+  host::LocalFileSystem files;
+  ASSERT_TRUE(files.WriteBytes((folder.path / "1.json").u16string(), "{}"));
+  EXPECT_EQ(FileContents(folder.path / "elsewhere.txt"), "not ours");
+  EXPECT_EQ(FileContents(folder.path / "1.json"), "{}");
+  EXPECT_FALSE(fs::exists(fs::symlink_status(folder.path / "1.json.writing")));
+}
+
 TEST(LocalFileSystem, AWriteThatRunsOutOfRoomKeepsTheOldFileWhole) {
   TempFolder folder("orvane-files");
   folder.Write("1.json", "the package of the last send");

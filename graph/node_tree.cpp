@@ -75,10 +75,10 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
   std::string inner = indent + "  ";
   host::AnimHandle handle = object->GetHandle();
   if (handle != 0) {
-    auto seen = state_.visited.find(handle);
-    if (seen != state_.visited.end() && seen->second != kNoId) {
+    const uint32_t* seen = state_.visited.Find(handle);
+    if (seen != nullptr && *seen != kNoId) {
       ++refs_;
-      Append(out_, indent, "{ \"ref\": ", std::to_string(seen->second), " }");
+      Append(out_, indent, "{ \"ref\": ", std::to_string(*seen), " }");
       return;
     }
   }
@@ -88,8 +88,8 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
   bool named = material || object->SuperClassID() == host::TEXMAP_CLASS_ID;
   // Recorded before the children are walked, so a child pointing back is a reference.
   if (handle != 0) {
-    auto [entry, inserted] = state_.visited.emplace(handle, id);
-    if (!inserted && entry->second == kNoId) entry->second = id;
+    auto [entry, inserted] = state_.visited.TryEmplace(handle);
+    if (inserted || *entry == kNoId) *entry = id;
   }
   Append(out_, indent, "{\n", inner, "\"node_id\": ", std::to_string(id), ",\n", inner,
          "\"type\": \"");
@@ -125,8 +125,7 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
 void TreeWriter::WriteParams(const host::MtlBase& object, const std::string& inner) {
   const std::vector<std::string>* fragments = nullptr;
   if (context_.params != nullptr) {
-    auto cached = context_.params->byObject.find(&object);
-    if (cached != context_.params->byObject.end()) fragments = &cached->second;
+    fragments = context_.params->byObject.Find(&object);
   }
   if (fragments == nullptr) {
     FragmentList own = WriteParamsForClass(context_, object);
@@ -136,7 +135,9 @@ void TreeWriter::WriteParams(const host::MtlBase& object, const std::string& inn
     for (const std::u16string& fragment : own)
       utf8.push_back(ToUtf8(fragment));
     if (context_.params != nullptr) {
-      fragments = &context_.params->byObject.emplace(&object, std::move(utf8)).first->second;
+      std::vector<std::string>* cached = context_.params->byObject.TryEmplace(&object).first;
+      *cached = std::move(utf8);
+      fragments = cached;
     } else {
       uncachedParams_ = std::move(utf8);
       fragments = &uncachedParams_;
@@ -273,15 +274,16 @@ int AppendNodeTree(const WriteContext& context, NodeTreeState& state, const host
                    int depth, std::string& out) {
   if (context.trees == nullptr || object == nullptr || !state.visited.empty())
     return WriteAfresh(context, state, object, depth, out);
-  auto [entry, first] = context.trees->byRoot.try_emplace({object, depth});
-  if (!first) {
-    if (entry->second) return RenderTemplate(*entry->second, state, out);
+  TreeTemplates::Root root{object, depth};
+  if (const auto* known = context.trees->byRoot.Find(root)) {
+    if (*known) return RenderTemplate(**known, state, out);
     return WriteAfresh(context, state, object, depth, out);
   }
   uint32_t base = state.nodeCounter;
   size_t start = out.size();
   int refs = WriteAfresh(context, state, object, depth, out);
-  entry->second = MakeTemplate(std::string_view(out).substr(start), base, state, refs);
+  *context.trees->byRoot.TryEmplace(root).first =
+      MakeTemplate(std::string_view(out).substr(start), base, state, refs);
   return refs;
 }
 

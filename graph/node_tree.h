@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "graph/write_context.h"
@@ -17,7 +16,7 @@ namespace orvane {
 struct NodeTreeState {
   uint32_t nodeCounter = 0;
   // The first id written for each handle, so a "ref" finds it without a scan.
-  std::unordered_map<host::AnimHandle, uint32_t> visited;
+  FlatMap<host::AnimHandle, uint32_t> visited;
 };
 
 void ResetVisitedNodes(NodeTreeState& state);

@@ -50,8 +50,8 @@ std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view text, uint32_t
     return nullptr;
   }
   made->text.append(text, start);
-  for (const auto& [handle, id] : state.visited)
-    made->visited.emplace_back(handle, id - base);
+  state.visited.ForEach(
+      [&](host::AnimHandle handle, uint32_t id) { made->visited.emplace_back(handle, id - base); });
   return made;
 }
 
@@ -66,8 +66,10 @@ int RenderTemplate(const TreeTemplate& tree, NodeTreeState& state, std::string& 
   }
   out.append(tree.text, copied);
   state.nodeCounter += tree.idCount;
-  for (const auto& [handle, offset] : tree.visited)
-    state.visited.emplace(handle, base + offset);
+  for (const auto& [handle, offset] : tree.visited) {
+    auto [entry, inserted] = state.visited.TryEmplace(handle);
+    if (inserted) *entry = base + offset;
+  }
   return static_cast<int>(tree.ids.size() - tree.idCount);
 }
 

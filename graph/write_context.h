@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/flat_map.h"
 #include "host/interface.h"
 
 namespace orvane::host {
@@ -29,7 +30,7 @@ struct ProbeReplies {
 // object, as UTF-8. For the same reason they are written once per build; node ids and
 // references, which depend on the tree, are not part of them.
 struct ParamFragments {
-  std::unordered_map<const host::MtlBase*, std::vector<std::string>> byObject;
+  FlatMap<const host::MtlBase*, std::vector<std::string>> byObject;
 };
 
 // A whole tree written from a fresh start (no node visited yet) depends only on the scene and on
@@ -51,18 +52,16 @@ struct TreeTemplate {
 // then written afresh every time.
 struct TreeTemplates {
   using Root = std::pair<const host::MtlBase*, int>;
-  // Hashed: one lookup per object record, and an ordered tree of tens of thousands of roots
-  // costs a cache miss at every level. The templates are held apart so that an entry fits in
-  // one cache line.
-  struct RootHash {
-    size_t operator()(const Root& root) const {
-      return std::hash<const void*>()(root.first) ^ static_cast<size_t>(root.second);
+  struct RootBits {
+    uint64_t operator()(const Root& root) const {
+      return reinterpret_cast<uintptr_t>(root.first) ^ static_cast<uint64_t>(root.second);
     }
   };
-  std::unordered_map<Root, std::unique_ptr<const TreeTemplate>, RootHash> byRoot;
+  // The templates are held apart so that a slot stays small.
+  FlatMap<Root, std::unique_ptr<const TreeTemplate>, RootBits> byRoot;
   // Whole material records, for the same reason: every object that shares a material renders
   // its record in one piece.
-  std::unordered_map<const host::Mtl*, std::unique_ptr<const TreeTemplate>> byMaterial;
+  FlatMap<const host::Mtl*, std::unique_ptr<const TreeTemplate>> byMaterial;
 };
 
 struct WriteContext {

@@ -77,11 +77,10 @@ void AppendMaterialRecord(const WriteContext& context, NodeTreeState& state,
   }
   // Every tree of a record starts from an empty visited list, so the record, like a tree,
   // depends only on the scene and on where the node counter stands.
-  auto [entry, first] = context.trees->byMaterial.try_emplace(material);
-  if (!first) {
-    if (entry->second) {
+  if (const auto* known = context.trees->byMaterial.Find(material)) {
+    if (*known) {
       ResetVisitedNodes(state);
-      RenderTemplate(*entry->second, state, out);
+      RenderTemplate(**known, state, out);
     } else {
       WriteMaterialRecord(context, state, *material, out);
     }
@@ -91,7 +90,8 @@ void AppendMaterialRecord(const WriteContext& context, NodeTreeState& state,
   size_t start = out.size();
   ResetVisitedNodes(state);
   int refs = WriteMaterialRecord(context, state, *material, out);
-  entry->second = MakeTemplate(std::string_view(out).substr(start), base, state, refs);
+  *context.trees->byMaterial.TryEmplace(material).first =
+      MakeTemplate(std::string_view(out).substr(start), base, state, refs);
 }
 
 }  // namespace orvane

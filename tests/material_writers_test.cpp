@@ -306,7 +306,8 @@ TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
     EXPECT_EQ(cachedState.nodeCounter, afreshState.nodeCounter);
     EXPECT_EQ(cachedState.visited, afreshState.visited);
   }
-  EXPECT_NE(templates.byRoot.at({multi, 2}), nullptr);
+  ASSERT_NE(templates.byRoot.Find({multi, 2}), nullptr);
+  EXPECT_NE(*templates.byRoot.Find({multi, 2}), nullptr);
 }
 
 // Whole records rendered again from their templates equal records written afresh, multi-
@@ -337,7 +338,8 @@ TEST(NodeTree, ARecordWrittenFromItsTemplateEqualsOneWrittenAfresh) {
     EXPECT_EQ(cachedState.nodeCounter, afreshState.nodeCounter) << id;
     EXPECT_EQ(cachedState.visited, afreshState.visited) << id;
   }
-  EXPECT_NE(templates.byMaterial.at(material("multi")), nullptr);
+  ASSERT_NE(templates.byMaterial.Find(material("multi")), nullptr);
+  EXPECT_NE(*templates.byMaterial.Find(material("multi")), nullptr);
 }
 
 // A map with handle 77 whose probes the scene answers with `reply`.

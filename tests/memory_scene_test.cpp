@@ -196,6 +196,26 @@ TEST(MemoryScene, ConversionToTriangleMeshesFollowsTheOwnershipRules) {
   EXPECT_EQ(scene->GetAnimByHandle(handle), nullptr);
 }
 
+// A converted mesh is named after the scene file's own ids, and deleting it leaves them alone,
+// whether or not the file uses the converted meshes' way of naming.
+TEST(MemoryScene, ConvertedMeshesNeverTakeOrDropAFilesId) {
+  for (const char* fileId : {"converted-1", "converted-x", "other"}) {
+    auto scene = Load(R"("nodes": [{"id": "n", "name": "N", "object": "poly"}],
+      "objects": [{"id": "poly", "class": "Editable Poly", "superClass": "geometry",
+                   "mesh": {"vertices": [[0,0,0],[1,0,0],[0,1,0]], "faces": [[0,1,2]]}},
+                  {"id": ")" +
+                      std::string(fileId) + R"(", "class": "Point", "superClass": "helper"}])");
+    Animatable* fileObject = scene->FindById(fileId);
+    auto* poly = dynamic_cast<MemObject*>(scene->FindById("poly"));
+    dynamic_cast<INode*>(scene->FindById("n"))->SetObjectRef(poly->ConvertToTriObject(0));
+    poly->ConvertToTriObject(0)->DeleteThis();
+    EXPECT_EQ(scene->FindById(fileId), fileObject) << fileId;
+    ASSERT_EQ(scene->objectReplacements.size(), 1u);
+    EXPECT_NE(scene->objectReplacements[0].objectId, fileId);
+    EXPECT_TRUE(scene->objectReplacements[0].objectId.starts_with("converted-"));
+  }
+}
+
 // Ids are kept in an open-addressed table: deleting from the middle of long runs must leave
 // every other id findable, and a deleted id findable no more.
 TEST(MemoryScene, IdsStayFindableWhileObjectsAreDeletedAndRoomIsMade) {

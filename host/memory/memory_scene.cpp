@@ -9,6 +9,8 @@ namespace orvane::host::memory {
 
 namespace {
 
+constexpr std::string_view kConvertedIdPrefix = "converted-";
+
 bool IsTable(ParamType2 type) {
   return (type & TYPE_TAB) != 0;
 }
@@ -284,6 +286,7 @@ T& MemScene::Register(std::vector<std::unique_ptr<T>>& list, std::string id) {
   auto& item = list.emplace_back(std::make_unique<T>());
   item->data.id = std::move(id);
   if (!item->data.id.empty()) byId_.Set(item->data.id, item.get());
+  if (item->data.id.starts_with(kConvertedIdPrefix)) convertedIdsInFile_ = true;
   return *item;
 }
 
@@ -393,8 +396,8 @@ void MemScene::RecordObjectReplacement(const MemNode& node, const Object* object
 MemObject& MemScene::AddConvertedObject(const MemObject& from) {
   std::string id;
   do {
-    id = "converted-" + std::to_string(++convertedCount_);
-  } while (byId_.Find(id) != nullptr);
+    id = std::string(kConvertedIdPrefix) + std::to_string(++convertedCount_);
+  } while (convertedIdsInFile_ && byId_.Find(id) != nullptr);
   // Not registered by id: it is no scene-file entity, and a mesh made only to be read and
   // deleted again would cost the id table an insertion and an erasure per object record.
   MemObject& converted = *objects_.emplace_back(std::make_unique<MemObject>());
@@ -416,7 +419,9 @@ void MemScene::DeleteObject(const MemObject& object) {
                             [&](const auto& item) { return item.get() == &object; });
   if (found == objects_.rend()) return;
   byHandle_.erase(object.data.handle);
-  byId_.Erase(object.data.id, &object);
+  if (convertedIdsInFile_ || !object.data.id.starts_with(kConvertedIdPrefix)) {
+    byId_.Erase(object.data.id, &object);
+  }
   objects_.erase(std::next(found).base());
 }
 

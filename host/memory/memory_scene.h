@@ -441,6 +441,10 @@ class MemScene final : public Interface, public IFileResolutionManager {
   IdTable byId_;
   std::unordered_map<AnimHandle, Animatable*> byHandle_;
   int convertedCount_ = 0;
+  // Whether a scene-file id looks like a converted object's; only then can a converted object's
+  // id be taken already. A build converts a mesh per object record, and looking each new id up
+  // would cost a cache miss each time.
+  bool convertedIdsInFile_ = false;
   AnimHandle nextFreeHandle_ = 1;  // no handle at or above it is in use
 };
 

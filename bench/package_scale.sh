@@ -3,7 +3,8 @@
 # "Box"; reports the fastest of REPEAT builds (default 3), package size and the builder's peak
 # memory, the two tight-loop floors measured in the same run (writing the package's values as JSON;
 # copying its bytes), then the growth ratios, then the whole `orvane package` command (load,
-# build, write) on the 100k scene against the same floors.
+# build, write) on the 100k scene against the same floors, then (with valgrind) the instructions
+# of that command and of its build on both generated scenes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 cmake --preset release >/dev/null
@@ -29,3 +30,24 @@ for _ in $(seq "${REPEAT:-3}"); do
   fi
 done
 awk -v s="$best" -v kib="$peak" '$1 ~ /scene-100k/ {printf "orvane package, 100k end to end: %.2f s (fastest of %d), %.2fx the writer floor, %.2fx the copy floor; peak %.0f MB\n", s, '"${REPEAT:-3}"', s / $4, s / $6, kib * 1024 / 1e6}' "$work/report"
+
+# Instructions (callgrind) of the same command on both scenes, the whole command and the build
+# alone: wall time on a shared machine is noisy, instruction counts are not. Valgrind does not
+# follow the huge-page restart, so the ordinary heap is kept.
+if ! command -v valgrind >/dev/null; then
+  echo "instructions: valgrind is not installed (apt-get install valgrind); skipped"
+  exit 0
+fi
+for size in 10k 100k; do
+  GLIBC_TUNABLES=glibc.malloc.hugetlb=0 valgrind --tool=callgrind \
+    --callgrind-out-file="$work/callgrind-$size" build/release/orvane package \
+    "$work/scene-$size.scene.json" -o "$work/command/1.json" >/dev/null 2>&1
+  callgrind_annotate --inclusive=yes "$work/callgrind-$size" 2>/dev/null |
+    awk -v size="$size" '/PROGRAM TOTALS/ {gsub(",", "", $1); total=$1}
+      /orvane::BuildPackage\(/ && !build {gsub(",", "", $1); build=$1}
+      END {print size, total, build}' >>"$work/instructions"
+done
+awk '{total[$1]=$2; build[$1]=$3}
+  END {printf "instructions, orvane package: 10k %.0fM, 100k %.0fM, growth x%.2f; the build alone: 10k %.0fM, 100k %.0fM, growth x%.2f\n",
+       total["10k"]/1e6, total["100k"]/1e6, total["100k"]/total["10k"], build["10k"]/1e6, build["100k"]/1e6, build["100k"]/build["10k"]}' \
+  "$work/instructions"

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -285,84 +284,42 @@ bool HasDuplicateKeys(std::vector<std::string_view>::iterator first,
   return std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end();
 }
 
-// simdjson finds the text's structure several times faster than nlohmann's own lexer, and its
-// on-demand parse hands each value over as it reads it, so nothing stands between the text and
-// the document. Whatever it refuses goes through the strict parse instead, which gives the exact
-// message, and so does a duplicate key, which simdjson keeps.
-class FastCopy {
+// simdjson parses the whole text into its own tape several times faster than nlohmann's lexer,
+// and a walk along that tape copies it into the document in one pass. Whatever simdjson refuses
+// (a number beyond 64 bits included) goes through the strict parse instead, which gives the
+// exact message, and so does a duplicate key, which simdjson keeps.
+class TapeCopy {
  public:
-  explicit FastCopy(JsonDocumentBuilder& to) : to_(to) {}
+  explicit TapeCopy(JsonDocumentBuilder& to) : to_(to) {}
 
-  bool Value(simdjson::ondemand::value value) {
-    simdjson::ondemand::json_type type;
-    if (value.type().get(type) != simdjson::SUCCESS) return false;
-    switch (type) {
-      case simdjson::ondemand::json_type::object: {
-        simdjson::ondemand::object object;
-        return value.get_object().get(object) == simdjson::SUCCESS && Object(object);
-      }
-      case simdjson::ondemand::json_type::array: {
-        simdjson::ondemand::array array;
-        return value.get_array().get(array) == simdjson::SUCCESS && Array(array);
-      }
-      case simdjson::ondemand::json_type::number: return Number(value);
-      case simdjson::ondemand::json_type::string: {
-        std::string_view text;
-        if (value.get_string().get(text) != simdjson::SUCCESS) return false;
-        to_.String(text);
+  bool Value(simdjson::dom::element value) {
+    switch (value.type()) {
+      case simdjson::dom::element_type::OBJECT: return Object(value.get_object().value_unsafe());
+      case simdjson::dom::element_type::ARRAY: return Array(value.get_array().value_unsafe());
+      case simdjson::dom::element_type::INT64: {
+        int64_t number = value.get_int64().value_unsafe();
+        if (number < 0) {
+          to_.Signed(number);
+        } else {
+          to_.Unsigned(static_cast<uint64_t>(number));
+        }
         return true;
       }
-      case simdjson::ondemand::json_type::boolean: {
-        bool flag = false;
-        if (value.get_bool().get(flag) != simdjson::SUCCESS) return false;
-        to_.Bool(flag);
+      case simdjson::dom::element_type::UINT64:
+        to_.Unsigned(value.get_uint64().value_unsafe());
         return true;
-      }
-      case simdjson::ondemand::json_type::null: {
-        bool isNull = false;
-        if (value.is_null().get(isNull) != simdjson::SUCCESS || !isNull) return false;
-        to_.Null();
+      case simdjson::dom::element_type::DOUBLE:
+        to_.Double(value.get_double().value_unsafe());
         return true;
-      }
+      case simdjson::dom::element_type::STRING:
+        to_.String(value.get_string().value_unsafe());
+        return true;
+      case simdjson::dom::element_type::BOOL:
+        to_.Bool(value.get_bool().value_unsafe());
+        return true;
+      case simdjson::dom::element_type::NULL_VALUE: to_.Null(); return true;
     }
     return false;
-  }
-
-  bool Object(simdjson::ondemand::object object) {
-    DepthGuard guard(depth_);
-    if (depth_ > kMaxDepth) return false;
-    to_.StartObject();
-    size_t firstKey = keys_.size();
-    for (auto member : object) {
-      simdjson::ondemand::field field;
-      std::string_view key;
-      if (std::move(member).get(field) != simdjson::SUCCESS ||
-          field.unescaped_key().get(key) != simdjson::SUCCESS) {
-        return false;
-      }
-      // The key stays valid: simdjson keeps every unescaped string until the next parse.
-      keys_.push_back(key);
-      to_.Key(key);
-      if (!Value(field.value())) return false;
-    }
-    if (HasDuplicateKeys(keys_.begin() + static_cast<ptrdiff_t>(firstKey), keys_.end())) {
-      return false;
-    }
-    keys_.resize(firstKey);
-    to_.End();
-    return true;
-  }
-
-  bool Array(simdjson::ondemand::array array) {
-    DepthGuard guard(depth_);
-    if (depth_ > kMaxDepth) return false;
-    to_.StartArray();
-    for (auto element : array) {
-      simdjson::ondemand::value value;
-      if (std::move(element).get(value) != simdjson::SUCCESS || !Value(value)) return false;
-    }
-    to_.End();
-    return true;
   }
 
  private:
@@ -376,64 +333,34 @@ class FastCopy {
     int& depth_;
   };
 
-  // simdjson's portable on-demand kernel misreads numbers of more than 19 digits, so numbers are
-  // read from their own text; anything out of range is left to the strict parse.
-  bool Number(simdjson::ondemand::value value) {
-    std::string_view token = value.raw_json_token();  // with the blanks after it
-    token = token.substr(0, token.find_last_not_of(" \t\r\n") + 1);
-    bool integer = false;
-    if (!IsJsonNumber(token, integer)) return false;
-    const char* end = token.data() + token.size();
-    if (integer && token[0] == '-') {
-      int64_t number = 0;
-      if (std::from_chars(token.data(), end, number).ec == std::errc()) {
-        if (number < 0) {
-          to_.Signed(number);
-        } else {
-          to_.Unsigned(0);  // -0, which reads as plain 0
-        }
-        return true;
-      }
-    } else if (integer) {
-      uint64_t number = 0;
-      if (std::from_chars(token.data(), end, number).ec == std::errc()) {
-        to_.Unsigned(number);
-        return true;
-      }
+  bool Object(simdjson::dom::object object) {
+    DepthGuard guard(depth_);
+    if (depth_ > kMaxDepth) return false;
+    to_.StartObject();
+    size_t firstKey = keys_.size();
+    for (simdjson::dom::key_value_pair member : object) {
+      // The key stays valid: the parser keeps every string until it is destroyed.
+      keys_.push_back(member.key);
+      to_.Key(member.key);
+      if (!Value(member.value)) return false;
     }
-    // A fraction, an exponent, or an integer beyond 64 bits, which JSON readers take as a double.
-    double number = 0;
-    auto [stop, error] = std::from_chars(token.data(), end, number);
-    if (error != std::errc() || stop != end) return false;
-    to_.Double(number);
+    if (HasDuplicateKeys(keys_.begin() + static_cast<ptrdiff_t>(firstKey), keys_.end())) {
+      return false;
+    }
+    keys_.resize(firstKey);
+    to_.End();
     return true;
   }
 
-  // -?(0|[1-9][0-9]*)(\.[0-9]+)?([eE][+-]?[0-9]+)? and nothing else.
-  static bool IsJsonNumber(std::string_view text, bool& integer) {
-    size_t at = 0;
-    auto digits = [&] {
-      size_t first = at;
-      while (at < text.size() && text[at] >= '0' && text[at] <= '9')
-        ++at;
-      return at - first;
-    };
-    if (at < text.size() && text[at] == '-') ++at;
-    size_t whole = at;
-    if (digits() == 0 || (text[whole] == '0' && at - whole > 1)) return false;
-    integer = true;
-    if (at < text.size() && text[at] == '.') {
-      ++at;
-      integer = false;
-      if (digits() == 0) return false;
+  bool Array(simdjson::dom::array array) {
+    DepthGuard guard(depth_);
+    if (depth_ > kMaxDepth) return false;
+    to_.StartArray();
+    for (simdjson::dom::element element : array) {
+      if (!Value(element)) return false;
     }
-    if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
-      ++at;
-      integer = false;
-      if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
-      if (digits() == 0) return false;
-    }
-    return at == text.size();
+    to_.End();
+    return true;
   }
 
   JsonDocumentBuilder& to_;
@@ -450,26 +377,15 @@ void ReserveFor(std::string_view text, JsonDocumentBuilder& document) {
 }
 
 std::optional<JsonDocument> ParseFast(std::string_view text, size_t readableBeyond) {
-  std::optional<simdjson::padded_string> copy;
-  simdjson::padded_string_view padded(text.data(), text.size(), text.size() + readableBeyond);
-  if (readableBeyond < simdjson::SIMDJSON_PADDING) padded = copy.emplace(text);
-  simdjson::ondemand::parser parser;
-  simdjson::ondemand::document document;
-  if (parser.iterate(padded).get(document) != simdjson::SUCCESS) return std::nullopt;
-  // A lone scalar is read differently at the root; such a text is never a scene file, and the
-  // strict parse reads it.
-  bool scalar = true;
-  simdjson::ondemand::value root;
-  if (document.is_scalar().get(scalar) != simdjson::SUCCESS || scalar ||
-      document.get_value().get(root) != simdjson::SUCCESS) {
+  simdjson::dom::parser parser;
+  simdjson::dom::element root;
+  bool padded = readableBeyond >= simdjson::SIMDJSON_PADDING;
+  if (parser.parse(text.data(), text.size(), !padded).get(root) != simdjson::SUCCESS) {
     return std::nullopt;
   }
   JsonDocumentBuilder builder;
   ReserveFor(text, builder);
-  if (!FastCopy(builder).Value(root)) return std::nullopt;
-  // Anything after the root value is an error for the strict parse to report.
-  const char* trailing = nullptr;
-  if (document.current_location().get(trailing) != simdjson::OUT_OF_BOUNDS) return std::nullopt;
+  if (!TapeCopy(builder).Value(root)) return std::nullopt;
   return builder.Finish();
 }
 #endif

@@ -2,10 +2,9 @@
 #include <cmath>
 #include <exception>
 #include <limits>
-#include <map>
 #include <thread>
-#include <unordered_map>
 
+#include "base/flat_map.h"
 #include "base/wide_text.h"
 #include "host/file_read.h"
 #include "host/memory/scene_file.h"
@@ -680,23 +679,23 @@ class Loader {
   template <class Link, class T, class Next>
   void CheckChains(const Declared<T>& declared, Next next, const std::string& key,
                    const std::string& what) {
-    std::unordered_map<Link, bool> leadsOut;  // false while the link is on the current path
+    FlatMap<Link, bool> leadsOut;  // false while the link is on the current path
+    std::vector<Link> path;
     for (const auto& [fields, start] : declared) {
-      std::vector<Link> path;
+      path.clear();
       for (Link link = start; link != nullptr; link = next(link)) {
-        auto known = leadsOut.find(link);
-        if (known != leadsOut.end()) {
-          if (!known->second) {
+        auto [leads, isNew] = leadsOut.TryEmplace(link);
+        if (!isNew) {
+          if (!*leads) {
             Fail(fields->PathOf(key),
                  "the " + what + " has a cycle through \"" + start->data.id + "\"");
           }
           break;
         }
-        leadsOut.emplace(link, false);
         path.push_back(link);
       }
       for (Link link : path)
-        leadsOut[link] = true;
+        *leadsOut.Find(link) = true;
     }
   }
 
@@ -717,17 +716,19 @@ class Loader {
   }
 
   void CheckHandles() {
-    std::map<AnimHandle, JsonPath> seen;
+    FlatMap<AnimHandle, const Fields*> firstUse;
     auto check = [&](const auto& declared) {
       for (const auto& [fields, entity] : declared) {
         const AnimatableData& data = entity->data;
         if (!data.handleGiven || data.handle == 0) continue;
-        JsonPath path = fields->PathOf("handle");
-        auto [existing, inserted] = seen.emplace(data.handle, path);
-        if (!inserted) {
-          Fail(path, "duplicate handle " + std::to_string(data.handle) + " (first used at " +
-                         existing->second.Text() + ")");
+        auto [first, isNew] = firstUse.TryEmplace(data.handle);
+        if (isNew) {
+          *first = fields.get();
+          continue;
         }
+        Fail(fields->PathOf("handle"), "duplicate handle " + std::to_string(data.handle) +
+                                           " (first used at " + (*first)->PathOf("handle").Text() +
+                                           ")");
       }
     };
     check(nodes_);

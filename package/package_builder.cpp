@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <unordered_map>
-#include <unordered_set>
 
+#include "base/flat_text_set.h"
 #include "base/wide_text.h"
 #include "graph/json_text.h"
 #include "host/object.h"
@@ -58,25 +58,30 @@ std::u16string Suffixed(const std::u16string& name, int number) {
 // Names already taken keep theirs; a repeated name takes the first free "_NNN" suffix. Only the
 // names met so far count, never the rest of the scene.
 void RenameDuplicates(const std::vector<host::INode*>& geometry, Log& log) {
-  std::unordered_set<std::u16string> seen;
-  seen.reserve(geometry.size());
+  // Each object takes exactly one name, its own or a new one, so the names taken fit in room
+  // reserved once: they never move, and the set only views them.
+  std::vector<std::u16string> taken;
+  taken.reserve(geometry.size());
+  FlatTextSet seen;
+  seen.Reserve(geometry.size());
   // Where the search for each name's next suffix resumes: every number below it was taken, and
   // taken names stay taken, so the search never has to start again from 1.
   std::unordered_map<std::u16string, int> nextNumber;
   int renamed = 0;
   for (host::INode* node : geometry) {
-    std::u16string name = node->GetName();
-    if (seen.insert(name).second) continue;
+    std::u16string& name = taken.emplace_back(node->GetName());
+    if (seen.Insert(name)) continue;
     int& number = nextNumber.try_emplace(name, 1).first->second;
     std::u16string candidate = Suffixed(name, number);
-    while (seen.count(candidate) != 0)
+    while (seen.Contains(candidate))
       candidate = Suffixed(name, ++number);
     ++number;
     node->SetName(candidate);
     ++renamed;
     log.push_back(u"WARNING: Duplicate name - renamed '" + name + u"' to '" + candidate +
                   u"' in scene");
-    seen.insert(candidate);
+    name = std::move(candidate);
+    seen.Insert(name);
   }
   if (renamed > 0) {
     log.push_back(u"Total renamed: " + Decimal(renamed) +

@@ -1,8 +1,28 @@
 #include "host/memory/json_document.h"
 
+#include <algorithm>
+
 #include "base/huge_pages.h"
 
 namespace orvane::host::memory {
+
+namespace {
+
+// Keys are compared pairwise in small objects and sorted in large ones, so a large object never
+// costs time in proportion to its size squared.
+bool HasDuplicateKeys(std::vector<std::string_view>& keys) {
+  constexpr size_t kPairwiseLimit = 16;
+  if (keys.size() <= kPairwiseLimit) {
+    for (auto key = keys.begin(); key != keys.end(); ++key) {
+      if (std::find(keys.begin(), key, *key) != key) return true;
+    }
+    return false;
+  }
+  std::sort(keys.begin(), keys.end());
+  return std::adjacent_find(keys.begin(), keys.end()) != keys.end();
+}
+
+}  // namespace
 
 std::optional<JsonValue> JsonValue::Find(std::string_view key) const {
   if (!IsObject()) return std::nullopt;
@@ -37,64 +57,81 @@ bool operator==(const JsonValue& a, const JsonValue& b) {
   return false;
 }
 
-uint32_t JsonDocumentBuilder::Add(JsonDocument::Node node) {
-  auto number = static_cast<uint32_t>(document_.nodes_.size());
-  document_.nodes_.push_back(node);
-  if (!open_.empty()) pending_.push_back(number);
-  return number;
+std::optional<JsonDocument> JsonDocument::Adopt(std::unique_ptr<uint64_t[]> tape,
+                                                std::unique_ptr<uint8_t[]> text) {
+  JsonDocument document;
+  document.tape_ = std::move(tape);
+  document.text_ = std::move(text);
+  if (!document.ListChildren()) return std::nullopt;
+  return document;
 }
 
-void JsonDocumentBuilder::Null() {
-  Add({JsonKind::kNull, 0, {.unsignedValue = 0}});
+// A container's children become one run only when it closes, since the children of containers
+// nested in it arrive in between.
+bool JsonDocument::ListChildren() {
+  size_t last = tape_[0] & kPayload;  // the closing root word
+  struct OpenContainer {
+    size_t word;
+    size_t firstPending;
+  };
+  std::vector<OpenContainer> open;
+  std::vector<uint32_t> pending;  // children of the open containers, innermost last
+  std::vector<std::string_view> keys;
+  // Every child is a value on the tape, and so is every container with its count: the room
+  // needed is at most one entry per word.
+  children_.reserve(last);
+  AdviseHugePages(children_.data(), last * sizeof(uint32_t));
+  for (size_t at = 1; at < last;) {
+    char type = TypeOf(tape_[at]);
+    if (type == ']' || type == '}') {
+      OpenContainer closing = open.back();
+      open.pop_back();
+      auto first = pending.begin() + static_cast<ptrdiff_t>(closing.firstPending);
+      size_t count = static_cast<size_t>(pending.end() - first);
+      if (type == '}') {
+        keys.clear();
+        for (auto key = first; key < pending.end(); key += 2)
+          keys.push_back(JsonValue(*this, *key).String());
+        if (HasDuplicateKeys(keys)) return false;
+        count /= 2;
+      }
+      tape_[closing.word] = Word(TypeOf(tape_[closing.word]), children_.size());
+      children_.push_back(static_cast<uint32_t>(count));
+      children_.insert(children_.end(), first, pending.end());
+      pending.erase(first, pending.end());
+      ++at;
+      continue;
+    }
+    if (!open.empty()) pending.push_back(static_cast<uint32_t>(at));
+    if (type == '[' || type == '{') open.push_back({at, pending.size()});
+    at += type == 'l' || type == 'u' || type == 'd' ? 2 : 1;
+  }
+  return true;
 }
 
-void JsonDocumentBuilder::Bool(bool value) {
-  Add({JsonKind::kBool, 0, {.boolean = value}});
-}
-
-void JsonDocumentBuilder::Signed(int64_t value) {
-  Add({JsonKind::kSigned, 0, {.signedValue = value}});
-}
-
-void JsonDocumentBuilder::Unsigned(uint64_t value) {
-  Add({JsonKind::kUnsigned, 0, {.unsignedValue = value}});
-}
-
-void JsonDocumentBuilder::Double(double value) {
-  Add({JsonKind::kDouble, 0, {.doubleValue = value}});
+JsonDocumentBuilder::JsonDocumentBuilder() {
+  tape_.push_back(JsonDocument::Word('r', 0));
 }
 
 void JsonDocumentBuilder::String(std::string_view value) {
-  Add({JsonKind::kString, static_cast<uint32_t>(value.size()), {.offset = document_.text_.size()}});
-  document_.text_.append(value);
+  tape_.push_back(JsonDocument::Word('"', text_.size()));
+  auto length = static_cast<uint32_t>(value.size());
+  const auto* lengthBytes = reinterpret_cast<const uint8_t*>(&length);
+  text_.insert(text_.end(), lengthBytes, lengthBytes + sizeof length);
+  text_.insert(text_.end(), value.begin(), value.end());
+  text_.push_back(0);
 }
 
-void JsonDocumentBuilder::Reserve(size_t nodes, size_t children, size_t textBytes) {
-  document_.nodes_.reserve(nodes);
-  document_.children_.reserve(children);
-  document_.text_.reserve(textBytes);
-  AdviseHugePages(document_.nodes_.data(), nodes * sizeof(JsonDocument::Node));
-  AdviseHugePages(document_.children_.data(), children * sizeof(uint32_t));
-  AdviseHugePages(document_.text_.data(), textBytes);
-}
-
-void JsonDocumentBuilder::Open(JsonKind kind) {
-  uint32_t node = Add({kind, 0, {.offset = 0}});
-  open_.push_back({node, pending_.size()});
-}
-
-// A container's children become one run in children_ only when it closes, since the children of
-// containers nested in it arrive in between.
-void JsonDocumentBuilder::End() {
-  OpenContainer closing = open_.back();
-  open_.pop_back();
-  JsonDocument::Node& node = document_.nodes_[closing.node];
-  size_t count = pending_.size() - closing.firstPending;
-  node.offset = document_.children_.size();
-  node.count = static_cast<uint32_t>(node.kind == JsonKind::kObject ? count / 2 : count);
-  document_.children_.insert(document_.children_.end(), pending_.begin() + closing.firstPending,
-                             pending_.end());
-  pending_.resize(closing.firstPending);
+JsonDocument JsonDocumentBuilder::Finish() {
+  tape_.push_back(JsonDocument::Word('r', 0));
+  tape_[0] = JsonDocument::Word('r', tape_.size() - 1);
+  JsonDocument document;
+  document.tape_ = std::make_unique_for_overwrite<uint64_t[]>(tape_.size());
+  std::copy(tape_.begin(), tape_.end(), document.tape_.get());
+  document.text_ = std::make_unique_for_overwrite<uint8_t[]>(text_.size() + 1);
+  std::copy(text_.begin(), text_.end(), document.text_.get());
+  document.ListChildren();  // the parser behind this builder has rejected duplicate keys
+  return document;
 }
 
 }  // namespace orvane::host::memory

@@ -1,10 +1,15 @@
-// A parsed JSON text held compactly for one read: every value is a 16-byte node in one array,
-// containers list their children in a second array, and all strings share one buffer. A scene
-// file of 100,000 objects holds millions of values; a node per value and no allocation per node
-// keep loading it in proportion to its bytes.
+// A parsed JSON text held compactly for one read. Values lie on a tape in simdjson's layout: one
+// 64-bit word per value (a type character in the top byte) and a second one for a number's
+// bits; a string's word points at its length and bytes in a text buffer. A text that simdjson
+// parsed is therefore adopted as it stands, not copied, and the nlohmann path writes the same
+// layout. Each container's children are listed in a second array, so the reader reaches any
+// element or member in one step. A scene file of 100,000 objects holds millions of values.
 #pragma once
 
+#include <bit>
 #include <cstdint>
+#include <cstring>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -66,70 +71,87 @@ class JsonValue {
 
 class JsonDocument {
  public:
-  // The first value built; the document must not be empty.
-  JsonValue root() const { return JsonValue(*this, 0); }
+  // The first value on the tape; the document must not be empty.
+  JsonValue root() const { return JsonValue(*this, 1); }
+
+  // Takes over a tape and text buffer in simdjson's layout, and lists every container's
+  // children. None when an object holds a key twice, which the layout itself allows.
+  static std::optional<JsonDocument> Adopt(std::unique_ptr<uint64_t[]> tape,
+                                           std::unique_ptr<uint8_t[]> text);
 
  private:
   friend class JsonValue;
   friend class JsonDocumentBuilder;
 
-  struct Node {
-    JsonKind kind;
-    uint32_t count;  // elements, members, or a string's bytes
-    union {
-      bool boolean;
-      int64_t signedValue;
-      uint64_t unsignedValue;
-      double doubleValue;
-      uint64_t offset;  // of a string in text_, or of a container's children in children_
-    };
-  };
+  static constexpr uint64_t kPayload = (uint64_t{1} << 56) - 1;
+  static char TypeOf(uint64_t word) { return static_cast<char>(word >> 56); }
+  static uint64_t Word(char type, uint64_t payload) {
+    return static_cast<uint64_t>(static_cast<unsigned char>(type)) << 56 | payload;
+  }
 
-  std::vector<Node> nodes_;
-  // Per container, its children's node numbers in order; an object's are key, value, key, ...
+  // Replaces each container's start word payload with the place of its children: their number,
+  // then their tape positions (an object's are key, value, key, ...).
+  bool ListChildren();
+
+  std::unique_ptr<uint64_t[]> tape_;  // a root word first and last, as simdjson writes it
+  std::unique_ptr<uint8_t[]> text_;   // per string: its length (32 bits), its bytes, a NUL
   std::vector<uint32_t> children_;
-  std::string text_;
 };
 
 // The accessors the reader calls for every value are inline: a 100,000-object file makes
 // hundreds of millions of such calls.
 inline JsonKind JsonValue::kind() const {
-  return document_->nodes_[node_].kind;
+  const uint64_t* word = &document_->tape_[node_];
+  switch (JsonDocument::TypeOf(*word)) {
+    case 'n': return JsonKind::kNull;
+    case 't':
+    case 'f': return JsonKind::kBool;
+    case 'l': return static_cast<int64_t>(word[1]) < 0 ? JsonKind::kSigned : JsonKind::kUnsigned;
+    case 'u': return JsonKind::kUnsigned;
+    case 'd': return JsonKind::kDouble;
+    case '"': return JsonKind::kString;
+    case '[': return JsonKind::kArray;
+    default: return JsonKind::kObject;
+  }
 }
 
 inline bool JsonValue::Bool() const {
-  return document_->nodes_[node_].boolean;
+  return JsonDocument::TypeOf(document_->tape_[node_]) == 't';
 }
 
 inline int64_t JsonValue::Signed() const {
-  return document_->nodes_[node_].signedValue;
+  return static_cast<int64_t>(document_->tape_[node_ + 1]);
 }
 
 inline uint64_t JsonValue::Unsigned() const {
-  return document_->nodes_[node_].unsignedValue;
+  return document_->tape_[node_ + 1];
 }
 
 inline double JsonValue::Double() const {
-  const JsonDocument::Node& node = document_->nodes_[node_];
-  switch (node.kind) {
-    case JsonKind::kSigned: return static_cast<double>(node.signedValue);
-    case JsonKind::kUnsigned: return static_cast<double>(node.unsignedValue);
-    default: return node.doubleValue;
+  const uint64_t* word = &document_->tape_[node_];
+  switch (JsonDocument::TypeOf(*word)) {
+    case 'l': return static_cast<double>(static_cast<int64_t>(word[1]));
+    case 'u': return static_cast<double>(word[1]);
+    default: return std::bit_cast<double>(word[1]);
   }
 }
 
 inline size_t JsonValue::size() const {
-  const JsonDocument::Node& node = document_->nodes_[node_];
-  return node.kind == JsonKind::kArray || node.kind == JsonKind::kObject ? node.count : 0;
+  JsonKind own = kind();
+  if (own != JsonKind::kArray && own != JsonKind::kObject) return 0;
+  return document_->children_[document_->tape_[node_] & JsonDocument::kPayload];
 }
 
 inline JsonValue JsonValue::operator[](size_t element) const {
-  return JsonValue(*document_, document_->children_[document_->nodes_[node_].offset + element]);
+  size_t first = (document_->tape_[node_] & JsonDocument::kPayload) + 1;
+  return JsonValue(*document_, document_->children_[first + element]);
 }
 
 inline std::string_view JsonValue::String() const {
-  const JsonDocument::Node& node = document_->nodes_[node_];
-  return std::string_view(document_->text_.data() + node.offset, node.count);
+  const uint8_t* at = &document_->text_[document_->tape_[node_] & JsonDocument::kPayload];
+  uint32_t length = 0;
+  std::memcpy(&length, at, sizeof length);
+  return std::string_view(reinterpret_cast<const char*>(at + sizeof length), length);
 }
 
 inline std::string_view JsonValue::KeyAt(size_t member) const {
@@ -144,34 +166,29 @@ inline JsonValue JsonValue::ValueAt(size_t member) const {
 // here: each parser reports them in its own way.
 class JsonDocumentBuilder {
  public:
-  void Null();
-  void Bool(bool value);
-  void Signed(int64_t value);
-  void Unsigned(uint64_t value);
-  void Double(double value);
+  JsonDocumentBuilder();
+  void Null() { tape_.push_back(JsonDocument::Word('n', 0)); }
+  void Bool(bool value) { tape_.push_back(JsonDocument::Word(value ? 't' : 'f', 0)); }
+  void Signed(int64_t value) { Number('l', static_cast<uint64_t>(value)); }
+  void Unsigned(uint64_t value) { Number('u', value); }
+  void Double(double value) { Number('d', std::bit_cast<uint64_t>(value)); }
   void String(std::string_view value);
-  void StartArray() { Open(JsonKind::kArray); }
-  void StartObject() { Open(JsonKind::kObject); }
+  void StartArray() { tape_.push_back(JsonDocument::Word('[', 0)); }
+  void StartObject() { tape_.push_back(JsonDocument::Word('{', 0)); }
   void Key(std::string_view key) { String(key); }
-  void End();  // of the innermost array or object
-  // Room for a whole document, when its size is known beforehand: growing by steps would copy
-  // hundreds of megabytes.
-  void Reserve(size_t nodes, size_t children, size_t textBytes);
+  void EndArray() { tape_.push_back(JsonDocument::Word(']', 0)); }
+  void EndObject() { tape_.push_back(JsonDocument::Word('}', 0)); }
 
-  JsonDocument Finish() { return std::move(document_); }
+  JsonDocument Finish();
 
  private:
-  struct OpenContainer {
-    uint32_t node;
-    size_t firstPending;
-  };
+  void Number(char type, uint64_t bits) {
+    tape_.push_back(JsonDocument::Word(type, 0));
+    tape_.push_back(bits);
+  }
 
-  uint32_t Add(JsonDocument::Node node);
-  void Open(JsonKind kind);
-
-  JsonDocument document_;
-  std::vector<OpenContainer> open_;
-  std::vector<uint32_t> pending_;  // children of the open containers, innermost last
+  std::vector<uint64_t> tape_;
+  std::vector<uint8_t> text_;
 };
 
 }  // namespace orvane::host::memory

@@ -226,8 +226,12 @@ class StrictDocumentBuilder {
     if (!frames_.empty() && !frames_.back().isObject) ++frames_.back().count;
   }
   bool End() {
+    if (frames_.back().isObject) {
+      document_.EndObject();
+    } else {
+      document_.EndArray();
+    }
     frames_.pop_back();
-    document_.End();
     return true;
   }
   std::string Path() const {
@@ -268,114 +272,10 @@ void RejectHugeTexts(std::string_view text) {
 #ifdef ORVANE_HAVE_SIMDJSON
 static_assert(kParsePadding >= simdjson::SIMDJSON_PADDING);
 
-// Keys are compared pairwise in small objects and sorted in large ones, so a large object never
-// costs time in proportion to its size squared.
-bool HasDuplicateKeys(std::vector<std::string_view>::iterator first,
-                      std::vector<std::string_view>::iterator last) {
-  constexpr ptrdiff_t kPairwiseLimit = 16;
-  if (last - first <= kPairwiseLimit) {
-    for (auto key = first; key != last; ++key) {
-      if (std::find(first, key, *key) != key) return true;
-    }
-    return false;
-  }
-  std::vector<std::string_view> sorted(first, last);
-  std::sort(sorted.begin(), sorted.end());
-  return std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end();
-}
-
-// simdjson parses the whole text into its own tape several times faster than nlohmann's lexer,
-// and a walk along that tape copies it into the document in one pass. Whatever simdjson refuses
-// (a number beyond 64 bits included) goes through the strict parse instead, which gives the
-// exact message, and so does a duplicate key, which simdjson keeps.
-class TapeCopy {
- public:
-  explicit TapeCopy(JsonDocumentBuilder& to) : to_(to) {}
-
-  bool Value(simdjson::dom::element value) {
-    switch (value.type()) {
-      case simdjson::dom::element_type::OBJECT: return Object(value.get_object().value_unsafe());
-      case simdjson::dom::element_type::ARRAY: return Array(value.get_array().value_unsafe());
-      case simdjson::dom::element_type::INT64: {
-        int64_t number = value.get_int64().value_unsafe();
-        if (number < 0) {
-          to_.Signed(number);
-        } else {
-          to_.Unsigned(static_cast<uint64_t>(number));
-        }
-        return true;
-      }
-      case simdjson::dom::element_type::UINT64:
-        to_.Unsigned(value.get_uint64().value_unsafe());
-        return true;
-      case simdjson::dom::element_type::DOUBLE:
-        to_.Double(value.get_double().value_unsafe());
-        return true;
-      case simdjson::dom::element_type::STRING:
-        to_.String(value.get_string().value_unsafe());
-        return true;
-      case simdjson::dom::element_type::BOOL:
-        to_.Bool(value.get_bool().value_unsafe());
-        return true;
-      case simdjson::dom::element_type::NULL_VALUE: to_.Null(); return true;
-    }
-    return false;
-  }
-
- private:
-  // The copy recurses, and a hostile text could nest deeply enough to overflow the stack; scene
-  // files nest a few levels, and anything deeper is left to the strict parse, which does not
-  // recurse.
-  static constexpr int kMaxDepth = 128;
-  struct DepthGuard {
-    explicit DepthGuard(int& depth) : depth_(++depth) {}
-    ~DepthGuard() { --depth_; }
-    int& depth_;
-  };
-
-  bool Object(simdjson::dom::object object) {
-    DepthGuard guard(depth_);
-    if (depth_ > kMaxDepth) return false;
-    to_.StartObject();
-    size_t firstKey = keys_.size();
-    for (simdjson::dom::key_value_pair member : object) {
-      // The key stays valid: the parser keeps every string until it is destroyed.
-      keys_.push_back(member.key);
-      to_.Key(member.key);
-      if (!Value(member.value)) return false;
-    }
-    if (HasDuplicateKeys(keys_.begin() + static_cast<ptrdiff_t>(firstKey), keys_.end())) {
-      return false;
-    }
-    keys_.resize(firstKey);
-    to_.End();
-    return true;
-  }
-
-  bool Array(simdjson::dom::array array) {
-    DepthGuard guard(depth_);
-    if (depth_ > kMaxDepth) return false;
-    to_.StartArray();
-    for (simdjson::dom::element element : array) {
-      if (!Value(element)) return false;
-    }
-    to_.End();
-    return true;
-  }
-
-  JsonDocumentBuilder& to_;
-  int depth_ = 0;
-  std::vector<std::string_view> keys_;  // of the objects being copied, innermost last
-};
-
-// The document's room is reserved from the text's length, so nothing is copied as it grows:
-// every value or key takes at least one byte and one separator, and untouched room costs only
-// address space.
-void ReserveFor(std::string_view text, JsonDocumentBuilder& document) {
-  size_t values = text.size() / 2 + 2;
-  document.Reserve(values, values, text.size());
-}
-
+// simdjson parses the whole text into its tape several times faster than nlohmann's lexer, and
+// the document takes that tape over as it stands. Whatever simdjson refuses (a number beyond 64
+// bits included) goes through the strict parse instead, which gives the exact message, and so
+// does a duplicate key, which simdjson keeps.
 std::optional<JsonDocument> ParseFast(std::string_view text, size_t readableBeyond) {
   simdjson::dom::parser parser;
   simdjson::dom::element root;
@@ -383,10 +283,9 @@ std::optional<JsonDocument> ParseFast(std::string_view text, size_t readableBeyo
   if (parser.parse(text.data(), text.size(), !padded).get(root) != simdjson::SUCCESS) {
     return std::nullopt;
   }
-  JsonDocumentBuilder builder;
-  ReserveFor(text, builder);
-  if (!TapeCopy(builder).Value(root)) return std::nullopt;
-  return builder.Finish();
+  // The parsed document's buffers are public members of simdjson's parser: taking them spares
+  // copying millions of values, and the parser's other buffers go with it.
+  return JsonDocument::Adopt(std::move(parser.doc.tape), std::move(parser.doc.string_buf));
 }
 #endif
 

@@ -40,10 +40,10 @@ class Loader {
   template <class T>
   using Declared = std::vector<std::pair<std::unique_ptr<Fields>, T*>>;
 
-  // Once every id is declared, the scene's two halves share nothing but lookups of those ids: the
-  // nodes and objects are read on a second core while the materials and maps are read here: a
-  // large scene spends a third of its load here. Of two failures, the geometry's is reported, as
-  // it would be if the lists were read one after the other.
+  // Reading the entities takes a third of a large scene's load. Once every id is declared, the
+  // scene's two halves share nothing but lookups of those ids, so the nodes and objects are read
+  // on a second core while the materials and maps are read on this one. Of two failures, the
+  // geometry's is reported, as it would be if the lists were read one after the other.
   void ReadBothHalves() {
     std::exception_ptr geometryFailure;
     std::thread geometry([&] {

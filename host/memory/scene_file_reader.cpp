@@ -46,32 +46,40 @@ class Loader {
   // geometry's is reported, as it would be if the lists were read one after the other.
   void ReadBothHalves() {
     std::exception_ptr geometryFailure;
-    std::thread geometry([&] {
-      try {
-        for (auto& [fields, node] : nodes_)
-          ReadNode(*fields, *node);
-        for (auto& [fields, object] : objects_)
-          ReadObject(*fields, *object);
-        for (auto& [fields, object] : derived_)
-          ReadDerivedObject(*fields, *object);
-        for (auto& [fields, modifier] : modifiers_)
-          ReadModifier(*fields, *modifier);
-      } catch (...) {
-        geometryFailure = std::current_exception();
-      }
-    });
-    std::exception_ptr shadingFailure;
-    try {
-      for (auto& [fields, material] : materials_)
-        ReadMaterial(*fields, *material);
-      for (auto& [fields, map] : maps_)
-        ReadMap(*fields, *map);
-    } catch (...) {
-      shadingFailure = std::current_exception();
-    }
+    std::thread geometry([&] { geometryFailure = Caught([&] { ReadGeometry(); }); });
+    std::exception_ptr shadingFailure = Caught([&] { ReadShading(); });
     geometry.join();
     if (geometryFailure) std::rethrow_exception(geometryFailure);
     if (shadingFailure) std::rethrow_exception(shadingFailure);
+  }
+
+  // What `read` threw, kept for the thread that reports it.
+  template <class Read>
+  static std::exception_ptr Caught(Read read) {
+    try {
+      read();
+    } catch (...) {
+      return std::current_exception();
+    }
+    return nullptr;
+  }
+
+  void ReadGeometry() {
+    for (auto& [fields, node] : nodes_)
+      ReadNode(*fields, *node);
+    for (auto& [fields, object] : objects_)
+      ReadObject(*fields, *object);
+    for (auto& [fields, object] : derived_)
+      ReadDerivedObject(*fields, *object);
+    for (auto& [fields, modifier] : modifiers_)
+      ReadModifier(*fields, *modifier);
+  }
+
+  void ReadShading() {
+    for (auto& [fields, material] : materials_)
+      ReadMaterial(*fields, *material);
+    for (auto& [fields, map] : maps_)
+      ReadMap(*fields, *map);
   }
 
   void ReadFormat(const Fields& top) {

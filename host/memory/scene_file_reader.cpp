@@ -2,6 +2,7 @@
 #include <cmath>
 #include <exception>
 #include <limits>
+#include <system_error>
 #include <thread>
 
 #include "base/flat_map.h"
@@ -46,9 +47,15 @@ class Loader {
   // geometry's is reported, as it would be if the lists were read one after the other.
   void ReadBothHalves() {
     std::exception_ptr geometryFailure;
-    std::thread geometry([&] { geometryFailure = Caught([&] { ReadGeometry(); }); });
+    auto readGeometry = [&] { geometryFailure = Caught([&] { ReadGeometry(); }); };
+    std::thread geometry;
+    try {
+      geometry = std::thread(readGeometry);
+    } catch (const std::system_error&) {
+      readGeometry();  // no thread to be had: one half after the other gives the same scene
+    }
     std::exception_ptr shadingFailure = Caught([&] { ReadShading(); });
-    geometry.join();
+    if (geometry.joinable()) geometry.join();
     if (geometryFailure) std::rethrow_exception(geometryFailure);
     if (shadingFailure) std::rethrow_exception(shadingFailure);
   }

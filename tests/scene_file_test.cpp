@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <string>
 
 #include "graph/param_lookup.h"
 #include "host/memory/scene_file_json.h"
@@ -110,6 +111,22 @@ TEST(SceneFile, BrokenFilesAreRejectedWithThePlaceOfTheFault) {
     SceneLoadResult result = LoadSceneText(c.text, ".");
     EXPECT_EQ(result.scene, nullptr) << c.label;
     EXPECT_EQ(result.error, c.error) << c.label;
+  }
+}
+
+// Long lists are read in parts, by more than one thread: of several faults, the first in the
+// order the lists are read is the one reported, however the parts were shared out.
+TEST(SceneFile, OfManyFaultsInLongListsTheFirstIsReported) {
+  std::string text = R"({"format": "orvane-scene/1", "objects": [)";
+  for (int i = 0; i < 3000; ++i) {
+    const char* superClass = i == 700 || i == 2900 ? "mesh" : "geometry";
+    text += (i ? ", " : "") + std::string(R"({"id": "o)") + std::to_string(i) +
+            R"(", "class": "Box", "superClass": ")" + superClass + R"("})";
+  }
+  text += R"(], "maps": [{"id": "t", "class": "Bitmap", "name": 5}]})";
+  for (int attempt = 0; attempt < 10; ++attempt) {
+    SceneLoadResult result = LoadSceneText(text, ".");
+    EXPECT_EQ(result.error, "objects[700].superClass: unknown super class \"mesh\"") << attempt;
   }
 }
 

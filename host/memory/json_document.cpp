@@ -2,15 +2,13 @@
 
 #include <algorithm>
 
-#include "base/huge_pages.h"
-
 namespace orvane::host::memory {
 
 namespace {
 
 // Keys are compared pairwise in small objects and sorted in large ones, so a large object never
 // costs time in proportion to its size squared.
-bool HasDuplicateKeys(std::vector<std::string_view>& keys) {
+bool AnyTwoEqual(std::vector<std::string_view>& keys) {
   constexpr size_t kPairwiseLimit = 16;
   if (keys.size() <= kPairwiseLimit) {
     for (auto key = keys.begin(); key != keys.end(); ++key) {
@@ -24,10 +22,16 @@ bool HasDuplicateKeys(std::vector<std::string_view>& keys) {
 
 }  // namespace
 
+size_t JsonValue::CountByStepping() const {
+  size_t count = 0;
+  for (uint32_t at = FirstChild(), closing = Closing(); at != closing; at = document_->After(at))
+    ++count;
+  return IsObject() ? count / 2 : count;
+}
+
 std::optional<JsonValue> JsonValue::Find(std::string_view key) const {
-  if (!IsObject()) return std::nullopt;
-  for (size_t member = 0; member < size(); ++member) {
-    if (KeyAt(member) == key) return ValueAt(member);
+  for (JsonMember member : Members()) {
+    if (member.key == key) return member.value;
   }
   return std::nullopt;
 }
@@ -41,18 +45,26 @@ bool operator==(const JsonValue& a, const JsonValue& b) {
     case JsonKind::kUnsigned: return a.Unsigned() == b.Unsigned();
     case JsonKind::kDouble: return a.Double() == b.Double();
     case JsonKind::kString: return a.String() == b.String();
-    case JsonKind::kArray:
+    case JsonKind::kArray: {
       if (a.size() != b.size()) return false;
-      for (size_t i = 0; i < a.size(); ++i) {
-        if (!(a[i] == b[i])) return false;
+      JsonChildren others = b.Elements();
+      auto other = others.begin();
+      for (JsonElement element : a.Elements()) {
+        if (!(element.value == (*other).value)) return false;
+        ++other;
       }
       return true;
-    case JsonKind::kObject:
+    }
+    case JsonKind::kObject: {
       if (a.size() != b.size()) return false;
-      for (size_t i = 0; i < a.size(); ++i) {
-        if (a.KeyAt(i) != b.KeyAt(i) || !(a.ValueAt(i) == b.ValueAt(i))) return false;
+      JsonMembers others = b.Members();
+      auto other = others.begin();
+      for (JsonMember member : a.Members()) {
+        if (member.key != (*other).key || !(member.value == (*other).value)) return false;
+        ++other;
       }
       return true;
+    }
   }
   return false;
 }
@@ -62,64 +74,54 @@ std::optional<JsonDocument> JsonDocument::Adopt(std::unique_ptr<uint64_t[]> tape
   JsonDocument document;
   document.tape_ = std::move(tape);
   document.text_ = std::move(text);
-  if (!document.ListChildren()) return std::nullopt;
+  if (document.HasDuplicateKeys()) return std::nullopt;
   return document;
 }
 
-// A container's children become one run only when it closes, since the children of containers
-// nested in it arrive in between.
-bool JsonDocument::ListChildren() {
-  size_t last = tape_[0] & kPayload;  // the closing root word
-  struct OpenContainer {
-    size_t word;
-    size_t firstPending;
-  };
-  std::vector<OpenContainer> open;
-  std::vector<uint32_t> pending;  // children of the open containers, innermost last
+// Every word is met once on the way through, and each object's keys once more when it is met.
+bool JsonDocument::HasDuplicateKeys() const {
+  auto last = static_cast<uint32_t>(tape_[0] & kPayload);  // the closing root word
   std::vector<std::string_view> keys;
-  // Every child is a value on the tape, and so is every container with its count: the room
-  // needed is at most one entry per word.
-  children_.reserve(last);
-  AdviseHugePages(children_.data(), last * sizeof(uint32_t));
-  for (size_t at = 1; at < last;) {
+  for (uint32_t at = 1; at < last;) {
     char type = TypeOf(tape_[at]);
-    if (type == ']' || type == '}') {
-      OpenContainer closing = open.back();
-      open.pop_back();
-      auto first = pending.begin() + static_cast<ptrdiff_t>(closing.firstPending);
-      size_t count = static_cast<size_t>(pending.end() - first);
-      if (type == '}') {
-        keys.clear();
-        for (auto key = first; key < pending.end(); key += 2)
-          keys.push_back(JsonValue(*this, *key).String());
-        if (HasDuplicateKeys(keys)) return false;
-        count /= 2;
-      }
-      tape_[closing.word] = Word(TypeOf(tape_[closing.word]), children_.size());
-      children_.push_back(static_cast<uint32_t>(count));
-      children_.insert(children_.end(), first, pending.end());
-      pending.erase(first, pending.end());
-      ++at;
-      continue;
+    if (type == '{') {
+      keys.clear();
+      for (JsonMember member : JsonValue(*this, at).Members())
+        keys.push_back(member.key);
+      if (AnyTwoEqual(keys)) return true;
     }
-    if (!open.empty()) pending.push_back(static_cast<uint32_t>(at));
-    if (type == '[' || type == '{') open.push_back({at, pending.size()});
     at += type == 'l' || type == 'u' || type == 'd' ? 2 : 1;
   }
-  return true;
+  return false;
 }
 
 JsonDocumentBuilder::JsonDocumentBuilder() {
   tape_.push_back(JsonDocument::Word('r', 0));
 }
 
-void JsonDocumentBuilder::String(std::string_view value) {
+void JsonDocumentBuilder::AppendString(std::string_view value) {
   tape_.push_back(JsonDocument::Word('"', text_.size()));
   auto length = static_cast<uint32_t>(value.size());
   const auto* lengthBytes = reinterpret_cast<const uint8_t*>(&length);
   text_.insert(text_.end(), lengthBytes, lengthBytes + sizeof length);
   text_.insert(text_.end(), value.begin(), value.end());
   text_.push_back(0);
+}
+
+void JsonDocumentBuilder::Start(char type) {
+  CountValue();
+  open_.push_back({static_cast<uint32_t>(tape_.size()), type == '[', 0});
+  tape_.push_back(0);  // written once the container closes and its end is known
+}
+
+// As simdjson writes them: the start word holds the place after the closing word and the count,
+// the closing word the place of the start.
+void JsonDocumentBuilder::End(char type) {
+  OpenContainer closing = open_.back();
+  open_.pop_back();
+  tape_.push_back(JsonDocument::Word(type == '[' ? ']' : '}', closing.word));
+  tape_[closing.word] =
+      JsonDocument::ContainerWord(type, static_cast<uint32_t>(tape_.size()), closing.count);
 }
 
 JsonDocument JsonDocumentBuilder::Finish() {
@@ -130,8 +132,7 @@ JsonDocument JsonDocumentBuilder::Finish() {
   std::copy(tape_.begin(), tape_.end(), document.tape_.get());
   document.text_ = std::make_unique_for_overwrite<uint8_t[]>(text_.size() + 1);
   std::copy(text_.begin(), text_.end(), document.text_.get());
-  document.ListChildren();  // the parser behind this builder has rejected duplicate keys
-  return document;
+  return document;  // the parser behind this builder has rejected duplicate keys
 }
 
 }  // namespace orvane::host::memory

@@ -1,11 +1,13 @@
-// A parsed JSON text held compactly for one read. Values lie on a tape in simdjson's layout: one
-// 64-bit word per value (a type character in the top byte) and a second one for a number's
-// bits; a string's word points at its length and bytes in a text buffer. A text that simdjson
-// parsed is therefore adopted as it stands, not copied, and the nlohmann path writes the same
-// layout. Each container's children are listed in a second array, so the reader reaches any
-// element or member in one step. A scene file of 100,000 objects holds millions of values.
+// A parsed JSON text held compactly for one read, in simdjson's tape layout: one 64-bit word per
+// value (a type character in the top byte) and a second one for a number's bits; a string's word
+// points at its length and bytes in a text buffer; a container's start word holds the place just
+// past its end and the number of its children. A text that simdjson parsed is therefore adopted
+// as it stands, not copied, and the nlohmann path writes the same layout. Children are reached by
+// stepping from one to the next, a container in one step: scene files are read in order, and an
+// index of every child would cost a large file tens of megabytes and a pass of its own.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -18,6 +20,8 @@
 namespace orvane::host::memory {
 
 class JsonDocument;
+class JsonChildren;
+class JsonMembers;
 
 enum class JsonKind : uint8_t {
   kNull,
@@ -34,7 +38,7 @@ enum class JsonKind : uint8_t {
 // Integers below zero are signed, all others unsigned.
 class JsonValue {
  public:
-  JsonValue(const JsonDocument& document, uint32_t node) : document_(&document), node_(node) {}
+  JsonValue(const JsonDocument& document, uint32_t word) : document_(&document), word_(word) {}
 
   JsonKind kind() const;
   bool IsNull() const { return kind() == JsonKind::kNull; }
@@ -55,9 +59,13 @@ class JsonValue {
 
   // Elements of an array or members of an object; 0 for any other value.
   size_t size() const;
+  // An array's elements in order; none for any other value.
+  JsonChildren Elements() const;
+  // An object's members in order; none for any other value.
+  JsonMembers Members() const;
+  // Steps over the elements before it: for the short arrays of a point or a face. Longer lists
+  // are read through Elements().
   JsonValue operator[](size_t element) const;
-  std::string_view KeyAt(size_t member) const;
-  JsonValue ValueAt(size_t member) const;
   // The member with this key, or none. Objects of a scene file are small: the scan is linear.
   std::optional<JsonValue> Find(std::string_view key) const;
 
@@ -65,8 +73,22 @@ class JsonValue {
   friend bool operator==(const JsonValue& a, const JsonValue& b);
 
  private:
+  friend class JsonDocument;
+
+  uint64_t word() const;
+  bool IsContainer() const;
+  // The first child's word and the container's closing word.
+  uint32_t FirstChild() const { return word_ + 1; }
+  uint32_t Closing() const;
+  size_t CountByStepping() const;
+
   const JsonDocument* document_;
-  uint32_t node_;
+  uint32_t word_;
+};
+
+struct JsonMember {
+  std::string_view key;
+  JsonValue value;
 };
 
 class JsonDocument {
@@ -74,39 +96,131 @@ class JsonDocument {
   // The first value on the tape; the document must not be empty.
   JsonValue root() const { return JsonValue(*this, 1); }
 
-  // Takes over a tape and text buffer in simdjson's layout, and lists every container's
-  // children. None when an object holds a key twice, which the layout itself allows.
+  // Takes over a tape and text buffer in simdjson's layout. None when an object holds a key
+  // twice, which the layout itself allows.
   static std::optional<JsonDocument> Adopt(std::unique_ptr<uint64_t[]> tape,
                                            std::unique_ptr<uint8_t[]> text);
 
  private:
   friend class JsonValue;
+  friend class JsonChildren;
+  friend class JsonMembers;
   friend class JsonDocumentBuilder;
 
   static constexpr uint64_t kPayload = (uint64_t{1} << 56) - 1;
+  // A container's count of children saturates at this; a larger one is counted by stepping.
+  static constexpr uint32_t kCountLimit = 0xFFFFFF;
   static char TypeOf(uint64_t word) { return static_cast<char>(word >> 56); }
   static uint64_t Word(char type, uint64_t payload) {
     return static_cast<uint64_t>(static_cast<unsigned char>(type)) << 56 | payload;
   }
+  static uint64_t ContainerWord(char type, uint32_t after, size_t count) {
+    uint64_t saturated = std::min<size_t>(count, kCountLimit);
+    return Word(type, saturated << 32 | after);
+  }
 
-  // Replaces each container's start word payload with the place of its children: their number,
-  // then their tape positions (an object's are key, value, key, ...).
-  bool ListChildren();
+  // The word of the value after the one at `word`, nested values skipped.
+  uint32_t After(uint32_t word) const {
+    uint64_t value = tape_[word];
+    switch (TypeOf(value)) {
+      case '[':
+      case '{': return static_cast<uint32_t>(value);
+      case 'l':
+      case 'u':
+      case 'd': return word + 2;
+      default: return word + 1;
+    }
+  }
+  std::string_view StringAt(uint32_t word) const;
+  bool HasDuplicateKeys() const;
 
   std::unique_ptr<uint64_t[]> tape_;  // a root word first and last, as simdjson writes it
   std::unique_ptr<uint8_t[]> text_;   // per string: its length (32 bits), its bytes, a NUL
-  std::vector<uint32_t> children_;
+};
+
+struct JsonElement {
+  size_t index;
+  JsonValue value;
+};
+
+// The elements of an array, read in order, each with its index.
+class JsonChildren {
+ public:
+  class Iterator {
+   public:
+    JsonElement operator*() const { return {index_, JsonValue(*document_, word_)}; }
+    Iterator& operator++() {
+      word_ = document_->After(word_);
+      ++index_;
+      return *this;
+    }
+    bool operator!=(const Iterator& other) const { return word_ != other.word_; }
+
+   private:
+    friend class JsonChildren;
+    Iterator(const JsonDocument& document, uint32_t word) : document_(&document), word_(word) {}
+    const JsonDocument* document_;
+    uint32_t word_;
+    size_t index_ = 0;
+  };
+
+  JsonChildren(const JsonDocument& document, uint32_t first, uint32_t closing)
+      : document_(&document), first_(first), closing_(closing) {}
+  Iterator begin() const { return Iterator(*document_, first_); }
+  Iterator end() const { return Iterator(*document_, closing_); }
+
+ private:
+  const JsonDocument* document_;
+  uint32_t first_;
+  uint32_t closing_;
+};
+
+// The members of an object, read in order: each key's word is followed by its value.
+class JsonMembers {
+ public:
+  class Iterator {
+   public:
+    JsonMember operator*() const {
+      return {document_->StringAt(word_), JsonValue(*document_, word_ + 1)};
+    }
+    Iterator& operator++() {
+      word_ = document_->After(word_ + 1);
+      return *this;
+    }
+    bool operator!=(const Iterator& other) const { return word_ != other.word_; }
+
+   private:
+    friend class JsonMembers;
+    Iterator(const JsonDocument& document, uint32_t word) : document_(&document), word_(word) {}
+    const JsonDocument* document_;
+    uint32_t word_;
+  };
+
+  JsonMembers(const JsonDocument& document, uint32_t first, uint32_t closing)
+      : document_(&document), first_(first), closing_(closing) {}
+  Iterator begin() const { return Iterator(*document_, first_); }
+  Iterator end() const { return Iterator(*document_, closing_); }
+
+ private:
+  const JsonDocument* document_;
+  uint32_t first_;
+  uint32_t closing_;
 };
 
 // The accessors the reader calls for every value are inline: a 100,000-object file makes
 // hundreds of millions of such calls.
+inline uint64_t JsonValue::word() const {
+  return document_->tape_[word_];
+}
+
 inline JsonKind JsonValue::kind() const {
-  const uint64_t* word = &document_->tape_[node_];
-  switch (JsonDocument::TypeOf(*word)) {
+  switch (JsonDocument::TypeOf(word())) {
     case 'n': return JsonKind::kNull;
     case 't':
     case 'f': return JsonKind::kBool;
-    case 'l': return static_cast<int64_t>(word[1]) < 0 ? JsonKind::kSigned : JsonKind::kUnsigned;
+    case 'l':
+      return static_cast<int64_t>(document_->tape_[word_ + 1]) < 0 ? JsonKind::kSigned
+                                                                   : JsonKind::kUnsigned;
     case 'u': return JsonKind::kUnsigned;
     case 'd': return JsonKind::kDouble;
     case '"': return JsonKind::kString;
@@ -115,51 +229,68 @@ inline JsonKind JsonValue::kind() const {
   }
 }
 
-inline bool JsonValue::Bool() const {
-  return JsonDocument::TypeOf(document_->tape_[node_]) == 't';
-}
-
-inline int64_t JsonValue::Signed() const {
-  return static_cast<int64_t>(document_->tape_[node_ + 1]);
-}
-
-inline uint64_t JsonValue::Unsigned() const {
-  return document_->tape_[node_ + 1];
-}
-
-inline double JsonValue::Double() const {
-  const uint64_t* word = &document_->tape_[node_];
-  switch (JsonDocument::TypeOf(*word)) {
-    case 'l': return static_cast<double>(static_cast<int64_t>(word[1]));
-    case 'u': return static_cast<double>(word[1]);
-    default: return std::bit_cast<double>(word[1]);
-  }
+inline bool JsonValue::IsContainer() const {
+  char type = JsonDocument::TypeOf(word());
+  return type == '[' || type == '{';
 }
 
 inline size_t JsonValue::size() const {
-  JsonKind own = kind();
-  if (own != JsonKind::kArray && own != JsonKind::kObject) return 0;
-  return document_->children_[document_->tape_[node_] & JsonDocument::kPayload];
+  if (!IsContainer()) return 0;
+  auto count = static_cast<uint32_t>(word() >> 32) & JsonDocument::kCountLimit;
+  return count < JsonDocument::kCountLimit ? count : CountByStepping();
 }
 
-inline JsonValue JsonValue::operator[](size_t element) const {
-  size_t first = (document_->tape_[node_] & JsonDocument::kPayload) + 1;
-  return JsonValue(*document_, document_->children_[first + element]);
+inline uint32_t JsonValue::Closing() const {
+  return static_cast<uint32_t>(word()) - 1;
 }
 
-inline std::string_view JsonValue::String() const {
-  const uint8_t* at = &document_->text_[document_->tape_[node_] & JsonDocument::kPayload];
+inline bool JsonValue::Bool() const {
+  return JsonDocument::TypeOf(word()) == 't';
+}
+
+inline int64_t JsonValue::Signed() const {
+  return static_cast<int64_t>(document_->tape_[word_ + 1]);
+}
+
+inline uint64_t JsonValue::Unsigned() const {
+  return document_->tape_[word_ + 1];
+}
+
+inline double JsonValue::Double() const {
+  const uint64_t* at = &document_->tape_[word_];
+  switch (JsonDocument::TypeOf(*at)) {
+    case 'l': return static_cast<double>(static_cast<int64_t>(at[1]));
+    case 'u': return static_cast<double>(at[1]);
+    default: return std::bit_cast<double>(at[1]);
+  }
+}
+
+inline std::string_view JsonDocument::StringAt(uint32_t word) const {
+  const uint8_t* at = &text_[tape_[word] & kPayload];
   uint32_t length = 0;
   std::memcpy(&length, at, sizeof length);
   return std::string_view(reinterpret_cast<const char*>(at + sizeof length), length);
 }
 
-inline std::string_view JsonValue::KeyAt(size_t member) const {
-  return (*this)[2 * member].String();
+inline std::string_view JsonValue::String() const {
+  return document_->StringAt(word_);
 }
 
-inline JsonValue JsonValue::ValueAt(size_t member) const {
-  return (*this)[2 * member + 1];
+inline JsonChildren JsonValue::Elements() const {
+  if (!IsArray()) return JsonChildren(*document_, 0, 0);
+  return JsonChildren(*document_, FirstChild(), Closing());
+}
+
+inline JsonMembers JsonValue::Members() const {
+  if (!IsObject()) return JsonMembers(*document_, 0, 0);
+  return JsonMembers(*document_, FirstChild(), Closing());
+}
+
+inline JsonValue JsonValue::operator[](size_t element) const {
+  uint32_t at = FirstChild();
+  for (; element > 0; --element)
+    at = document_->After(at);
+  return JsonValue(*document_, at);
 }
 
 // Builds a document from a parser's events in text order. Keys are not checked for duplicates
@@ -167,28 +298,53 @@ inline JsonValue JsonValue::ValueAt(size_t member) const {
 class JsonDocumentBuilder {
  public:
   JsonDocumentBuilder();
-  void Null() { tape_.push_back(JsonDocument::Word('n', 0)); }
-  void Bool(bool value) { tape_.push_back(JsonDocument::Word(value ? 't' : 'f', 0)); }
+  void Null() { Scalar(JsonDocument::Word('n', 0)); }
+  void Bool(bool value) { Scalar(JsonDocument::Word(value ? 't' : 'f', 0)); }
   void Signed(int64_t value) { Number('l', static_cast<uint64_t>(value)); }
   void Unsigned(uint64_t value) { Number('u', value); }
   void Double(double value) { Number('d', std::bit_cast<uint64_t>(value)); }
-  void String(std::string_view value);
-  void StartArray() { tape_.push_back(JsonDocument::Word('[', 0)); }
-  void StartObject() { tape_.push_back(JsonDocument::Word('{', 0)); }
-  void Key(std::string_view key) { String(key); }
-  void EndArray() { tape_.push_back(JsonDocument::Word(']', 0)); }
-  void EndObject() { tape_.push_back(JsonDocument::Word('}', 0)); }
+  void String(std::string_view value) {
+    CountValue();
+    AppendString(value);
+  }
+  void StartArray() { Start('['); }
+  void StartObject() { Start('{'); }
+  // An object counts its members by their keys.
+  void Key(std::string_view key) {
+    ++open_.back().count;
+    AppendString(key);
+  }
+  void EndArray() { End('['); }
+  void EndObject() { End('{'); }
 
   JsonDocument Finish();
 
  private:
+  struct OpenContainer {
+    uint32_t word;
+    bool isArray;
+    size_t count;
+  };
+
+  // A value counts as an element of the array around it; an object's values do not count.
+  void CountValue() {
+    if (!open_.empty() && open_.back().isArray) ++open_.back().count;
+  }
+  void Scalar(uint64_t word) {
+    CountValue();
+    tape_.push_back(word);
+  }
   void Number(char type, uint64_t bits) {
-    tape_.push_back(JsonDocument::Word(type, 0));
+    Scalar(JsonDocument::Word(type, 0));
     tape_.push_back(bits);
   }
+  void AppendString(std::string_view value);
+  void Start(char type);
+  void End(char type);
 
   std::vector<uint64_t> tape_;
   std::vector<uint8_t> text_;
+  std::vector<OpenContainer> open_;
 };
 
 }  // namespace orvane::host::memory

@@ -106,9 +106,9 @@ uint32_t ReadIdPart(JsonValue value, const JsonPath& path) {
 std::optional<std::array<float, 3>> PlainTriple(JsonValue value) {
   if (!value.IsArray() || value.size() != 3) return std::nullopt;
   std::array<float, 3> triple{};
-  for (size_t k = 0; k < 3; ++k) {
-    if (!value[k].IsNumber()) return std::nullopt;
-    double number = value[k].Double();
+  for (auto [k, element] : value.Elements()) {
+    if (!element.IsNumber()) return std::nullopt;
+    double number = element.Double();
     if (std::fabs(number) > std::numeric_limits<float>::max()) return std::nullopt;
     triple[k] = static_cast<float>(number);
   }
@@ -135,8 +135,8 @@ Point3 ReadPoint3(JsonValue value, const JsonPath& path) {
 Matrix3 ReadMatrix(JsonValue value, const JsonPath& path) {
   if (!value.IsArray() || value.size() != 4) Fail(path, "expected an array of 4 rows");
   Matrix3 matrix;
-  for (size_t row = 0; row < 4; ++row)
-    matrix.rows[row] = ReadPoint3(value[row], Element(path, row));
+  for (auto [row, point] : value.Elements())
+    matrix.rows[row] = ReadPoint3(point, Element(path, row));
   return matrix;
 }
 

@@ -63,10 +63,9 @@ class Fields {
   Fields(JsonValue value, JsonPath path, std::initializer_list<std::string_view> allowed)
       : value_(value), path_(path) {
     if (!value.IsObject()) Fail(path_, "expected an object");
-    for (size_t member = 0; member < value.size(); ++member) {
-      std::string_view key = value.KeyAt(member);
-      if (std::find(allowed.begin(), allowed.end(), key) == allowed.end()) {
-        Fail(Member(path_, key), "unknown key");
+    for (JsonMember member : value.Members()) {
+      if (std::find(allowed.begin(), allowed.end(), member.key) == allowed.end()) {
+        Fail(Member(path_, member.key), "unknown key");
       }
     }
   }

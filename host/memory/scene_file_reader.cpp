@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <exception>
+#include <functional>
 #include <limits>
 #include <system_error>
 #include <thread>
@@ -29,7 +31,7 @@ class Loader {
     ReadFormat(top);
     DeclareAll(top);
     ReadSettings(top);
-    ReadBothHalves();
+    ReadEntities();
     CheckHierarchy();
     CheckModifierStacks();
     CheckHandles();
@@ -41,52 +43,62 @@ class Loader {
   template <class T>
   using Declared = std::vector<std::pair<std::unique_ptr<Fields>, T*>>;
 
-  // Reading the entities takes a third of a large scene's load. Once every id is declared, the
-  // scene's two halves share nothing but lookups of those ids, so the nodes and objects are read
-  // on a second core while the materials and maps are read on this one. Of two failures, the
-  // geometry's is reported, as it would be if the lists were read one after the other.
-  void ReadBothHalves() {
-    std::exception_ptr geometryFailure;
-    auto readGeometry = [&] { geometryFailure = Caught([&] { ReadGeometry(); }); };
-    std::thread geometry;
+  // Reading the entities takes a third of a large scene's load, so two threads share it. Once
+  // every id is declared, reading an entity changes nothing but the entity itself, except that a
+  // node joins its parent's children in file order: the nodes are read as one task, every other
+  // list in chunks, and each thread takes the next task until none is left. Of several failures,
+  // the one reported is the one a read of the lists one after the other would have met first.
+  void ReadEntities() {
+    std::vector<ReadTask> tasks;
+    tasks.push_back({[this] {
+      for (auto& [fields, node] : nodes_)
+        ReadNode(*fields, *node);
+    }});
+    AddChunks(tasks, objects_, &Loader::ReadObject);
+    AddChunks(tasks, derived_, &Loader::ReadDerivedObject);
+    AddChunks(tasks, modifiers_, &Loader::ReadModifier);
+    AddChunks(tasks, materials_, &Loader::ReadMaterial);
+    AddChunks(tasks, maps_, &Loader::ReadMap);
+
+    std::atomic<size_t> next = 0;
+    auto work = [&] {
+      for (size_t task = next++; task < tasks.size(); task = next++) {
+        try {
+          tasks[task].read();
+        } catch (...) {
+          tasks[task].failure = std::current_exception();
+        }
+      }
+    };
+    std::thread helper;
     try {
-      geometry = std::thread(readGeometry);
+      helper = std::thread(work);
     } catch (const std::system_error&) {
-      readGeometry();  // no thread to be had: one half after the other gives the same scene
+      // No second thread to be had: this one reads every task, which gives the same scene.
     }
-    std::exception_ptr shadingFailure = Caught([&] { ReadShading(); });
-    if (geometry.joinable()) geometry.join();
-    if (geometryFailure) std::rethrow_exception(geometryFailure);
-    if (shadingFailure) std::rethrow_exception(shadingFailure);
-  }
-
-  // What `read` threw, kept for the thread that reports it.
-  template <class Read>
-  static std::exception_ptr Caught(Read read) {
-    try {
-      read();
-    } catch (...) {
-      return std::current_exception();
+    work();
+    if (helper.joinable()) helper.join();
+    for (const ReadTask& task : tasks) {
+      if (task.failure) std::rethrow_exception(task.failure);
     }
-    return nullptr;
   }
 
-  void ReadGeometry() {
-    for (auto& [fields, node] : nodes_)
-      ReadNode(*fields, *node);
-    for (auto& [fields, object] : objects_)
-      ReadObject(*fields, *object);
-    for (auto& [fields, object] : derived_)
-      ReadDerivedObject(*fields, *object);
-    for (auto& [fields, modifier] : modifiers_)
-      ReadModifier(*fields, *modifier);
-  }
+  struct ReadTask {
+    std::function<void()> read;
+    std::exception_ptr failure = nullptr;
+  };
 
-  void ReadShading() {
-    for (auto& [fields, material] : materials_)
-      ReadMaterial(*fields, *material);
-    for (auto& [fields, map] : maps_)
-      ReadMap(*fields, *map);
+  template <class T>
+  void AddChunks(std::vector<ReadTask>& tasks, Declared<T>& declared,
+                 void (Loader::*read)(const Fields&, T&)) {
+    constexpr size_t kChunk = 512;
+    for (size_t first = 0; first < declared.size(); first += kChunk) {
+      size_t end = std::min(first + kChunk, declared.size());
+      tasks.push_back({[this, &declared, read, first, end] {
+        for (size_t i = first; i < end; ++i)
+          (this->*read)(*declared[i].first, *declared[i].second);
+      }});
+    }
   }
 
   void ReadFormat(const Fields& top) {
@@ -128,8 +140,8 @@ class Loader {
     if (!list) return;
     JsonPath listPath = top.PathOf(listKey);
     RequireArray(*list, listPath);
-    for (size_t i = 0; i < list->size(); ++i) {
-      auto fields = std::make_unique<Fields>((*list)[i], Element(listPath, i), allowed);
+    for (auto [i, item] : list->Elements()) {
+      auto fields = std::make_unique<Fields>(item, Element(listPath, i), allowed);
       std::string id = ReadId(*fields);
       T* entity = make(std::move(id));
       declared.emplace_back(std::move(fields), entity);
@@ -140,8 +152,7 @@ class Loader {
     std::optional<JsonValue> list = top.Find("objects");
     if (!list) return;
     RequireArray(*list, "objects");
-    for (size_t i = 0; i < list->size(); ++i) {
-      JsonValue item = (*list)[i];
+    for (auto [i, item] : list->Elements()) {
       JsonPath path = Element("objects", i);
       if (item.IsObject() && item.Find("derived")) {
         auto fields =
@@ -230,13 +241,12 @@ class Loader {
 
   void ReadScripts(JsonValue value) {
     RequireArray(value, "scripts");
-    for (size_t i = 0; i < value.size(); ++i) {
-      Fields fields(value[i], Element("scripts", i), {"contains", "reply", "fails"});
+    for (auto [i, script] : value.Elements()) {
+      Fields fields(script, Element("scripts", i), {"contains", "reply", "fails"});
       ScriptRule rule;
       JsonValue contains = RequireArray(fields.Get("contains"), fields.PathOf("contains"));
-      for (size_t k = 0; k < contains.size(); ++k) {
-        rule.contains.push_back(ReadText(contains[k], Element(fields.PathOf("contains"), k)));
-      }
+      for (auto [k, text] : contains.Elements())
+        rule.contains.push_back(ReadText(text, Element(fields.PathOf("contains"), k)));
       if (std::optional<JsonValue> fails = fields.Find("fails"))
         rule.fails = ReadBool(*fails, fields.PathOf("fails"));
       std::optional<JsonValue> reply = fields.Find("reply");
@@ -253,8 +263,8 @@ class Loader {
       return;
     }
     RequireArray(value, "fileResolution");
-    for (size_t i = 0; i < value.size(); ++i) {
-      Fields fields(value[i], Element("fileResolution", i), {"path", "assetType", "answer"});
+    for (auto [i, item] : value.Elements()) {
+      Fields fields(item, Element("fileResolution", i), {"path", "assetType", "answer"});
       FileResolutionAnswer answer;
       answer.path = ReadText(fields.Get("path"), fields.PathOf("path"));
       answer.assetType =
@@ -266,9 +276,8 @@ class Loader {
 
   void ReadFiles(JsonValue value) {
     if (!value.IsObject()) Fail("files", "expected an object");
-    for (size_t member = 0; member < value.size(); ++member) {
-      std::string_view key = value.KeyAt(member);
-      std::string local = ReadString(value.ValueAt(member), Member("files", key));
+    for (auto [key, path] : value.Members()) {
+      std::string local = ReadString(path, Member("files", key));
       std::u16string hostPath = FromUtf8(key);
       scene_->fileAliases.emplace_back(hostPath, local);
       scene_->files.AddAlias(
@@ -353,10 +362,8 @@ class Loader {
     if (std::optional<JsonValue> modifiers = derived.Find("modifiers")) {
       JsonPath path = derived.PathOf("modifiers");
       RequireArray(*modifiers, path);
-      for (size_t i = 0; i < modifiers->size(); ++i) {
-        object.modifiers.push_back(
-            Resolve<Modifier>((*modifiers)[i], Element(path, i), "modifier"));
-      }
+      for (auto [i, modifier] : modifiers->Elements())
+        object.modifiers.push_back(Resolve<Modifier>(modifier, Element(path, i), "modifier"));
     }
   }
 
@@ -382,9 +389,8 @@ class Loader {
     if (std::optional<JsonValue> subs = fields.Find("subMaterials")) {
       JsonPath path = fields.PathOf("subMaterials");
       RequireArray(*subs, path);
-      for (size_t i = 0; i < subs->size(); ++i) {
-        material.subMaterials.push_back(Resolve<Mtl>((*subs)[i], Element(path, i), "material"));
-      }
+      for (auto [i, sub] : subs->Elements())
+        material.subMaterials.push_back(Resolve<Mtl>(sub, Element(path, i), "material"));
     }
     if (std::optional<JsonValue> standard = fields.Find("standard")) {
       material.standard = ReadStandard(*standard, fields.PathOf("standard"));
@@ -407,8 +413,8 @@ class Loader {
   std::vector<MapSlot> ReadSlots(JsonValue value, const JsonPath& path) {
     RequireArray(value, path);
     std::vector<MapSlot> slots;
-    for (size_t i = 0; i < value.size(); ++i) {
-      Fields fields(value[i], Element(path, i), {"name", "map", "amount", "enabled"});
+    for (auto [i, item] : value.Elements()) {
+      Fields fields(item, Element(path, i), {"name", "map", "amount", "enabled"});
       MapSlot slot;
       slot.name = ReadText(fields.Get("name"), fields.PathOf("name"));
       if (std::optional<JsonValue> map = fields.Find("map"))
@@ -466,8 +472,7 @@ class Loader {
   std::unique_ptr<MemCurveCtl> ReadCurveCtl(JsonValue value, const JsonPath& path) {
     RequireArray(value, path);
     auto control = std::make_unique<MemCurveCtl>();
-    for (size_t c = 0; c < value.size(); ++c) {
-      JsonValue curve = value[c];
+    for (auto [c, curve] : value.Elements()) {
       JsonPath curvePath = Element(path, c);
       if (curve.IsNull()) {
         control->curves.push_back(nullptr);
@@ -475,14 +480,14 @@ class Loader {
       }
       RequireArray(curve, curvePath);
       auto points = std::make_unique<MemCurve>();
-      for (size_t p = 0; p < curve.size(); ++p) {
+      for (auto [p, point] : curve.Elements()) {
         JsonPath pointPath = Element(curvePath, p);
-        if (!curve[p].IsArray() || curve[p].size() != 2) Fail(pointPath, "expected a point [x, y]");
-        float x = ReadFloat(curve[p][0], Element(pointPath, 0));
+        if (!point.IsArray() || point.size() != 2) Fail(pointPath, "expected a point [x, y]");
+        float x = ReadFloat(point[0], Element(pointPath, 0));
         if (!points->points.empty() && x < points->points.back().first) {
           Fail(Element(pointPath, 0), "curve points must be in ascending x");
         }
-        points->points.emplace_back(x, ReadFloat(curve[p][1], Element(pointPath, 1)));
+        points->points.emplace_back(x, ReadFloat(point[1], Element(pointPath, 1)));
       }
       control->curves.push_back(std::move(points));
     }
@@ -509,8 +514,7 @@ class Loader {
     JsonPath facesPath = fields.PathOf("faces");
     JsonValue faces = RequireArray(fields.Get("faces"), facesPath);
     mesh.faces.reserve(faces.size());
-    for (size_t f = 0; f < faces.size(); ++f) {
-      JsonValue face = faces[f];
+    for (auto [f, face] : faces.Elements()) {
       if (auto plain = PlainFace(face, mesh.vertices.size())) {
         mesh.faces.push_back(*plain);
         continue;
@@ -529,11 +533,10 @@ class Loader {
     mesh.vertexColors = ReadPointList(fields, "vertexColors");
     if (std::optional<JsonValue> colorFaces = fields.Find("colorFaces")) {
       RequireArray(*colorFaces, fields.PathOf("colorFaces"));
-      for (size_t f = 0; f < colorFaces->size(); ++f) {
+      for (auto [f, face] : colorFaces->Elements()) {
         JsonPath facePath = Element(fields.PathOf("colorFaces"), f);
-        if (!(*colorFaces)[f].IsArray() || (*colorFaces)[f].size() != 3)
-          Fail(facePath, "expected [a, b, c]");
-        mesh.colorFaces.push_back(ReadIndices((*colorFaces)[f], facePath, mesh.vertexColors.size(),
+        if (!face.IsArray() || face.size() != 3) Fail(facePath, "expected [a, b, c]");
+        mesh.colorFaces.push_back(ReadIndices(face, facePath, mesh.vertexColors.size(),
                                               "vertex colour", "vertex colours"));
       }
     }
@@ -547,10 +550,10 @@ class Loader {
     JsonPath path = fields.PathOf(key);
     RequireArray(*list, path);
     points.reserve(list->size());
-    for (size_t i = 0; i < list->size(); ++i) {
-      auto plain = PlainTriple((*list)[i]);
+    for (auto [i, item] : list->Elements()) {
+      auto plain = PlainTriple(item);
       points.push_back(plain ? Point3{(*plain)[0], (*plain)[1], (*plain)[2]}
-                             : ReadPoint3((*list)[i], Element(path, i)));
+                             : ReadPoint3(item, Element(path, i)));
     }
     return points;
   }
@@ -560,9 +563,9 @@ class Loader {
   static std::optional<MeshFace> PlainFace(JsonValue face, size_t vertexCount) {
     if (!face.IsArray() || (face.size() != 3 && face.size() != 4)) return std::nullopt;
     MeshFace plain;
-    for (size_t k = 0; k < face.size(); ++k) {
-      if (!face[k].IsUnsigned()) return std::nullopt;
-      uint64_t number = face[k].Unsigned();
+    for (auto [k, index] : face.Elements()) {
+      if (!index.IsUnsigned()) return std::nullopt;
+      uint64_t number = index.Unsigned();
       if (k < 3 && (number >= vertexCount || number > INT32_MAX)) return std::nullopt;
       if (k == 3 && number > 65535) return std::nullopt;
       if (k < 3)
@@ -590,17 +593,16 @@ class Loader {
 
   void ReadParamBlocks(JsonValue value, const JsonPath& path, AnimatableData& data) {
     RequireArray(value, path);
-    for (size_t b = 0; b < value.size(); ++b) {
+    for (auto [b, params] : value.Elements()) {
       JsonPath blockPath = Element(path, b);
-      if (value[b].IsNull()) {
+      if (params.IsNull()) {
         data.blocks.push_back(nullptr);
         continue;
       }
-      RequireArray(value[b], blockPath);
+      RequireArray(params, blockPath);
       auto block = std::make_unique<MemParamBlock>();
-      for (size_t i = 0; i < value[b].size(); ++i) {
-        block->params.push_back(ReadParam(value[b][i], Element(blockPath, i)));
-      }
+      for (auto [i, param] : params.Elements())
+        block->params.push_back(ReadParam(param, Element(blockPath, i)));
       data.blocks.push_back(std::move(block));
     }
   }
@@ -621,9 +623,8 @@ class Loader {
     int baseType = byCode ? -1 : param.type & ~TYPE_TAB;
     if ((param.type & TYPE_TAB) != 0) {
       RequireArray(paramValue, valuePath);
-      for (size_t i = 0; i < paramValue.size(); ++i) {
-        param.elements.push_back(ReadElement(paramValue[i], Element(valuePath, i), baseType));
-      }
+      for (auto [i, element] : paramValue.Elements())
+        param.elements.push_back(ReadElement(element, Element(valuePath, i), baseType));
     } else {
       param.elements.push_back(ReadElement(paramValue, valuePath, baseType));
     }

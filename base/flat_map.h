@@ -4,6 +4,7 @@
 // where this spends one on the slot.
 #pragma once
 
+#include <algorithm>
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
@@ -51,6 +52,34 @@ class FlatMap {
     return {&slot.value, true};
   }
 
+  // Removes the key if it is there. Later entries of its run move back into the hole unless
+  // their home lies after it, so every entry stays reachable from its home without marks for
+  // removed ones.
+  void Erase(const Key& key) {
+    if (slots_.empty()) return;
+    size_t mask = slots_.size() - 1;
+    size_t hole = SlotIndex(key);
+    if (slots_[hole].key == Key{}) return;
+    for (size_t next = (hole + 1) & mask; !(slots_[next].key == Key{}); next = (next + 1) & mask) {
+      size_t home = HomeOf(slots_[next].key);
+      bool homeAfterHole =
+          hole <= next ? (hole < home && home <= next) : (hole < home || home <= next);
+      if (homeAfterHole) continue;
+      slots_[hole] = std::move(slots_[next]);
+      hole = next;
+    }
+    slots_[hole] = Slot{};
+    --size_;
+  }
+
+  // Room for `count` keys without growing on the way.
+  void Reserve(size_t count) {
+    size_t slotCount = std::max(kMinSlots, slots_.size());
+    while (slotCount < 2 * count)
+      slotCount *= 2;
+    if (slotCount > slots_.size()) Rehash(slotCount);
+  }
+
   // Keeps the room for the next use, unless it is far more than this use needed: a map cleared
   // before each small tree must not cost the memory of the largest one each time.
   void clear() {
@@ -92,17 +121,23 @@ class FlatMap {
   // Multiplying by 2^64 over the golden ratio spreads keys that differ only in low or aligned
   // bits (pointers) over the whole table; linear probing then finds the key or the empty slot
   // where it belongs.
+  size_t HomeOf(const Key& key) const {
+    size_t mask = slots_.size() - 1;
+    return static_cast<size_t>((KeyBits()(key) * 0x9E3779B97F4A7C15ull) >> 32) & mask;
+  }
+
   size_t SlotIndex(const Key& key) const {
     size_t mask = slots_.size() - 1;
-    size_t index = static_cast<size_t>((KeyBits()(key) * 0x9E3779B97F4A7C15ull) >> 32) & mask;
+    size_t index = HomeOf(key);
     while (!(slots_[index].key == Key{}) && !(slots_[index].key == key))
       index = (index + 1) & mask;
     return index;
   }
 
-  void Grow() {
-    std::vector<Slot> old = std::move(slots_);
-    slots_ = std::vector<Slot>(old.empty() ? kMinSlots : 2 * old.size());
+  void Grow() { Rehash(slots_.empty() ? kMinSlots : 2 * slots_.size()); }
+
+  void Rehash(size_t slotCount) {
+    std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(slotCount));
     for (Slot& slot : old) {
       if (!(slot.key == Key{})) slots_[SlotIndex(slot.key)] = std::move(slot);
     }

@@ -9,8 +9,9 @@ namespace orvane {
 namespace {
 
 // Handles that differ only in high bits, as aligned pointers do, crowd the same slots unless
-// the map spreads them; a long run of inserts, lookups and clears is held to std::map.
-TEST(FlatMap, BehavesAsAnOrdinaryMapUnderInsertsLookupsAndClears) {
+// the map spreads them, and erasing from the middle of such a run must keep the rest of it
+// reachable; a long run of inserts, lookups, erasures and clears is held to std::map.
+TEST(FlatMap, BehavesAsAnOrdinaryMapUnderInsertsLookupsErasuresAndClears) {
   FlatMap<uint64_t, int> map;
   std::map<uint64_t, int> model;
   std::mt19937 random(7);
@@ -23,6 +24,9 @@ TEST(FlatMap, BehavesAsAnOrdinaryMapUnderInsertsLookupsAndClears) {
       model.clear();
     } else if (action < 100) {
       ASSERT_EQ(map.Find(key) != nullptr, model.count(key) != 0) << step;
+    } else if (action < 400) {
+      map.Erase(key);
+      model.erase(key);
     } else {
       auto [value, inserted] = map.TryEmplace(key);
       auto [known, fresh] = model.try_emplace(key, 0);

@@ -2,21 +2,22 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
-#include <vector>
 
+#include "base/flat_map.h"
 #include "host/animatable.h"
 
 namespace orvane::host::memory {
 
-// One array with open addressing: a scene of hundreds of thousands of ids is looked up once per
-// reference while it loads, and a node-based map costs three dependent cache misses per lookup
-// where this costs about one. The ids are not copied: each entry views its animatable's own id,
-// which must stay unchanged for as long as the entry does.
+// A flat map: a scene of hundreds of thousands of ids is looked up once per reference while it
+// loads, and a node-based map costs three dependent cache misses per lookup where this costs
+// about one. The ids are not copied: each entry views its animatable's own id, which must stay
+// unchanged for as long as the entry does. Ids are never empty.
 class IdTable {
  public:
   // Room for `count` entries without growing on the way.
-  void Reserve(size_t count);
+  void Reserve(size_t count) { entries_.Reserve(count); }
   // A second entry under the same id replaces the first.
   void Set(std::string_view id, Animatable* animatable);
   Animatable* Find(std::string_view id) const;
@@ -24,18 +25,19 @@ class IdTable {
   void Erase(std::string_view id, const Animatable* animatable);
 
  private:
-  struct Slot {
+  // The hash is kept beside the id, so most slots that are not the one are passed over without
+  // comparing text.
+  struct Key {
     size_t hash = 0;
     std::string_view id;
-    Animatable* animatable = nullptr;  // null: the slot is free
+    bool operator==(const Key&) const = default;
   };
+  struct KeyBits {
+    uint64_t operator()(const Key& key) const { return key.hash; }
+  };
+  static Key KeyOf(std::string_view id);
 
-  // The slot holding `id`, or the free slot that ends its run.
-  size_t SlotOf(std::string_view id, size_t hash) const;
-  void Rehash(size_t slotCount);
-
-  std::vector<Slot> slots_;  // a power of two in size, at most half full
-  size_t used_ = 0;
+  FlatMap<Key, Animatable*, KeyBits> entries_;
 };
 
 }  // namespace orvane::host::memory

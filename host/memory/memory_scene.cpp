@@ -221,8 +221,8 @@ ScriptResult MemScene::ExecuteMAXScriptScript(std::u16string_view script, bool q
 }
 
 Animatable* MemScene::GetAnimByHandle(AnimHandle handle) {
-  auto found = byHandle_.find(handle);
-  return found == byHandle_.end() ? nullptr : found->second;
+  Animatable* const* found = byHandle_.Find(handle);
+  return found != nullptr ? *found : nullptr;
 }
 
 IFileResolutionManager* MemScene::GetFileResolutionManager() {
@@ -341,27 +341,32 @@ void ForEachData(List& list, Visit visit) {
 }  // namespace
 
 void MemScene::AssignMissingHandles() {
+  IndexHandles();
   AnimHandle next = 1;
-  auto assign = [&](AnimatableData& data, Animatable&) {
+  auto assign = [&](AnimatableData& data, Animatable& animatable) {
     if (data.handle != 0 || data.handleGiven) return;
-    while (byHandle_.count(next) != 0)
+    while (byHandle_.Find(next) != nullptr)
       ++next;
     data.handle = next++;
+    *byHandle_.TryEmplace(data.handle).first = &animatable;
   };
-  IndexHandles();
   ForEachData(nodes_, assign);
   ForEachData(objects_, assign);
   ForEachData(derivedObjects_, assign);
   ForEachData(modifiers_, assign);
   ForEachData(materials_, assign);
   ForEachData(maps_, assign);
-  IndexHandles();
+  nextFreeHandle_ = std::max(nextFreeHandle_, next);
 }
 
 void MemScene::IndexHandles() {
   byHandle_.clear();
+  byHandle_.Reserve(nodes_.size() + objects_.size() + derivedObjects_.size() + modifiers_.size() +
+                    materials_.size() + maps_.size());
   auto index = [&](AnimatableData& data, Animatable& animatable) {
-    if (data.handle != 0) byHandle_[data.handle] = &animatable;
+    if (data.handle == 0) return;
+    *byHandle_.TryEmplace(data.handle).first = &animatable;
+    nextFreeHandle_ = std::max(nextFreeHandle_, data.handle + 1);
   };
   ForEachData(nodes_, index);
   ForEachData(objects_, index);
@@ -369,8 +374,6 @@ void MemScene::IndexHandles() {
   ForEachData(modifiers_, index);
   ForEachData(materials_, index);
   ForEachData(maps_, index);
-  for (const auto& [handle, animatable] : byHandle_)
-    nextFreeHandle_ = std::max(nextFreeHandle_, handle + 1);
 }
 
 const AnimatableData* MemScene::DataOf(const Animatable* animatable) {
@@ -409,7 +412,7 @@ MemObject& MemScene::AddConvertedObject(const MemObject& from) {
   converted.mesh = from.mesh;
   converted.isTriObject = true;
   converted.data.handle = nextFreeHandle_++;
-  byHandle_[converted.data.handle] = &converted;
+  *byHandle_.TryEmplace(converted.data.handle).first = &converted;
   return converted;
 }
 
@@ -418,7 +421,7 @@ void MemScene::DeleteObject(const MemObject& object) {
   auto found = std::find_if(objects_.rbegin(), objects_.rend(),
                             [&](const auto& item) { return item.get() == &object; });
   if (found == objects_.rend()) return;
-  byHandle_.erase(object.data.handle);
+  byHandle_.Erase(object.data.handle);
   if (convertedIdsInFile_ || !object.data.id.starts_with(kConvertedIdPrefix)) {
     byId_.Erase(object.data.id, &object);
   }

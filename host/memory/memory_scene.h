@@ -7,10 +7,10 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <variant>
 #include <vector>
 
+#include "base/flat_map.h"
 #include "host/interface.h"
 #include "host/local_file_system.h"
 #include "host/memory/id_table.h"
@@ -406,7 +406,7 @@ class MemScene final : public Interface, public IFileResolutionManager {
   // Registers the handles given so far for GetAnimByHandle.
   void IndexHandles();
   // What the host does when the user deletes an animatable: its handle finds nothing any more.
-  void ForgetHandle(AnimHandle handle) { byHandle_.erase(handle); }
+  void ForgetHandle(AnimHandle handle) { byHandle_.Erase(handle); }
 
   // --- What the core did ---
   std::vector<Rename> renames;
@@ -439,7 +439,7 @@ class MemScene final : public Interface, public IFileResolutionManager {
   std::vector<std::unique_ptr<MemTexmap>> maps_;
   MemNode* root_ = nullptr;
   IdTable byId_;
-  std::unordered_map<AnimHandle, Animatable*> byHandle_;
+  FlatMap<AnimHandle, Animatable*> byHandle_;
   int convertedCount_ = 0;
   // Whether a scene-file id looks like a converted object's; only then can a converted object's
   // id be taken already. A build converts a mesh per object record, and looking each new id up

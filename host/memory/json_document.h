@@ -96,10 +96,12 @@ class JsonDocument {
   // The first value on the tape; the document must not be empty.
   JsonValue root() const { return JsonValue(*this, 1); }
 
-  // Takes over a tape and text buffer in simdjson's layout. None when an object holds a key
-  // twice, which the layout itself allows.
-  static std::optional<JsonDocument> Adopt(std::unique_ptr<uint64_t[]> tape,
-                                           std::unique_ptr<uint8_t[]> text);
+  // Takes over a tape and text buffer in simdjson's layout.
+  static JsonDocument Adopt(std::unique_ptr<uint64_t[]> tape, std::unique_ptr<uint8_t[]> text);
+
+  // Whether an object holds a key twice, which the layout itself allows. One read of the whole
+  // document, which changes nothing: it may run beside other readers.
+  bool HasDuplicateKeys() const;
 
  private:
   friend class JsonValue;
@@ -132,7 +134,6 @@ class JsonDocument {
     }
   }
   std::string_view StringAt(uint32_t word) const;
-  bool HasDuplicateKeys() const;
 
   std::unique_ptr<uint64_t[]> tape_;  // a root word first and last, as simdjson writes it
   std::unique_ptr<uint8_t[]> text_;   // per string: its length (32 bits), its bytes, a NUL

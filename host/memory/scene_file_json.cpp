@@ -275,7 +275,7 @@ static_assert(kParsePadding >= simdjson::SIMDJSON_PADDING);
 // simdjson parses the whole text into its tape several times faster than nlohmann's lexer, and
 // the document takes that tape over as it stands. Whatever simdjson refuses (a number beyond 64
 // bits included) goes through the strict parse instead, which gives the exact message, and so
-// does a duplicate key, which simdjson keeps.
+// does a duplicate key, which simdjson keeps: its caller checks the keys.
 std::optional<JsonDocument> ParseFast(std::string_view text, size_t readableBeyond) {
   simdjson::dom::parser parser;
   simdjson::dom::element root;
@@ -291,7 +291,14 @@ std::optional<JsonDocument> ParseFast(std::string_view text, size_t readableBeyo
 
 }  // namespace
 
-JsonDocument ParseStrictly(std::string_view text, [[maybe_unused]] size_t readableBeyond) {
+JsonDocument ParseStrictly(std::string_view text, size_t readableBeyond) {
+  JsonDocument document = ParseLeavingKeysUnchecked(text, readableBeyond);
+  if (document.HasDuplicateKeys()) return ParseStrictlyWithNlohmann(text);  // throws the message
+  return document;
+}
+
+JsonDocument ParseLeavingKeysUnchecked(std::string_view text,
+                                       [[maybe_unused]] size_t readableBeyond) {
 #ifdef ORVANE_HAVE_SIMDJSON
   RejectNulBytes(text);
   RejectHugeTexts(text);

@@ -132,6 +132,10 @@ constexpr size_t kParsePadding = 64;
 // The whole text as JSON; a syntax error, a duplicate key or a NUL byte throws SceneFileError.
 // readableBeyond: how many bytes after the text may be read (0, or at least kParsePadding).
 JsonDocument ParseStrictly(std::string_view text, size_t readableBeyond = 0);
+// The same parse, except that a duplicate key may pass: a caller that has other work for the
+// meantime runs JsonDocument::HasDuplicateKeys beside it and, on finding one, parses again with
+// ParseStrictly for the message.
+JsonDocument ParseLeavingKeysUnchecked(std::string_view text, size_t readableBeyond = 0);
 // The same parse by nlohmann alone, without the fast path; a fuzzer holds the two to one result.
 JsonDocument ParseStrictlyWithNlohmann(std::string_view text);
 

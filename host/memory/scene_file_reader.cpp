@@ -770,16 +770,45 @@ class Loader {
 
 namespace {
 
-// Parses through `parse`, which may let go of the text once it has its document: the document
-// holds its own copy of every string, and a large scene's text would otherwise stay in memory
-// beside the scene built from it.
-template <class Parse>
-SceneLoadResult Load(Parse parse, const std::filesystem::path& folder) {
+// Loads the scene of `text`. Keys are checked for duplicates on a second thread while the loader
+// declares every entity, which takes about as long; a duplicate key is a fault of the text and
+// is reported before anything the loader found. `letGoOfText` is called, from either thread, once
+// the text is no longer needed: the document holds its own copy of every string, and a large
+// scene's text would otherwise stay in memory beside the scene built from it.
+SceneLoadResult Load(std::string_view text, size_t readableBeyond,
+                     const std::filesystem::path& folder,
+                     const std::function<void()>& letGoOfText) {
   SceneLoadResult result;
   try {
-    JsonDocument document = parse();
-    result.scene = Loader(document.root(), folder).Load();
+    JsonDocument document = ParseLeavingKeysUnchecked(text, readableBeyond);
+    bool duplicates = false;
+    std::exception_ptr checkFailure;
+    auto check = [&] {
+      try {
+        duplicates = document.HasDuplicateKeys();
+        if (!duplicates) letGoOfText();
+      } catch (...) {
+        checkFailure = std::current_exception();
+      }
+    };
+    std::thread checker;
+    try {
+      checker = std::thread(check);
+    } catch (const std::system_error&) {
+      check();  // no second thread to be had: one after the other
+    }
+    std::exception_ptr loadFailure;
+    try {
+      result.scene = Loader(document.root(), folder).Load();
+    } catch (...) {
+      loadFailure = std::current_exception();
+    }
+    if (checker.joinable()) checker.join();
+    if (checkFailure) std::rethrow_exception(checkFailure);
+    if (duplicates) ParseStrictlyWithNlohmann(text);  // throws the duplicate key's message
+    if (loadFailure) std::rethrow_exception(loadFailure);
   } catch (const SceneFileError& error) {
+    result.scene.reset();
     result.error = error.what();
   }
   return result;
@@ -789,19 +818,14 @@ SceneLoadResult Load(Parse parse, const std::filesystem::path& folder) {
 
 SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path& folder,
                               size_t readableBeyond) {
-  return Load([&] { return ParseStrictly(text, readableBeyond); }, folder);
+  return Load(text, readableBeyond, folder, [] {});
 }
 
 SceneLoadResult LoadSceneFile(const std::filesystem::path& file) {
   FileRead read = ReadRegularFile(file, std::numeric_limits<uint64_t>::max(), kParsePadding);
   if (!read.bytes) return {nullptr, file.string() + ": " + DescribeFileReadError(read.error)};
-  SceneLoadResult result = Load(
-      [&] {
-        JsonDocument document = ParseStrictly(*read.bytes, kParsePadding);
-        read.bytes.reset();
-        return document;
-      },
-      file.parent_path());
+  SceneLoadResult result =
+      Load(*read.bytes, kParsePadding, file.parent_path(), [&] { read.bytes.reset(); });
   if (!result.scene) result.error = file.string() + ": " + result.error;
   return result;
 }

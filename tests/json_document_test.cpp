@@ -107,5 +107,18 @@ TEST(JsonDocument, DeepNestingIsReadWithoutExhaustingTheStack) {
   }
 }
 
+// A container's own word counts its children only up to 2^24 - 1, as simdjson writes it; past
+// that they are counted one by one.
+TEST(JsonDocument, ArraysBeyondTheCountInTheirWordAreCountedInFull) {
+  constexpr size_t kElements = (size_t{1} << 24) + 2;
+  JsonDocumentBuilder builder;
+  builder.StartArray();
+  for (size_t i = 0; i < kElements; ++i)
+    builder.Null();
+  builder.EndArray();
+  JsonDocument document = builder.Finish();
+  EXPECT_EQ(document.root().size(), kElements);
+}
+
 }  // namespace
 }  // namespace orvane::host::memory

@@ -47,7 +47,7 @@ bool operator==(const JsonValue& a, const JsonValue& b) {
     case JsonKind::kString: return a.String() == b.String();
     case JsonKind::kArray: {
       if (a.size() != b.size()) return false;
-      JsonChildren others = b.Elements();
+      JsonElements others = b.Elements();
       auto other = others.begin();
       for (JsonElement element : a.Elements()) {
         if (!(element.value == (*other).value)) return false;

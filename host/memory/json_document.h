@@ -15,13 +15,18 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace orvane::host::memory {
 
 class JsonDocument;
+struct JsonElement;
+struct JsonMember;
+template <class Item>
 class JsonChildren;
-class JsonMembers;
+using JsonElements = JsonChildren<JsonElement>;
+using JsonMembers = JsonChildren<JsonMember>;
 
 enum class JsonKind : uint8_t {
   kNull,
@@ -60,7 +65,7 @@ class JsonValue {
   // Elements of an array or members of an object; 0 for any other value.
   size_t size() const;
   // An array's elements in order; none for any other value.
-  JsonChildren Elements() const;
+  JsonElements Elements() const;
   // An object's members in order; none for any other value.
   JsonMembers Members() const;
   // Steps over the elements before it: for the short arrays of a point or a face. Longer lists
@@ -73,8 +78,6 @@ class JsonValue {
   friend bool operator==(const JsonValue& a, const JsonValue& b);
 
  private:
-  friend class JsonDocument;
-
   uint64_t word() const;
   bool IsContainer() const;
   // The first child's word and the container's closing word.
@@ -105,8 +108,8 @@ class JsonDocument {
 
  private:
   friend class JsonValue;
+  template <class Item>
   friend class JsonChildren;
-  friend class JsonMembers;
   friend class JsonDocumentBuilder;
 
   static constexpr uint64_t kPayload = (uint64_t{1} << 56) - 1;
@@ -144,14 +147,22 @@ struct JsonElement {
   JsonValue value;
 };
 
-// The elements of an array, read in order, each with its index.
+// The elements of an array (JsonElement, each with its index) or the members of an object
+// (JsonMember: each key's word is followed by its value), read in order.
+template <class Item>
 class JsonChildren {
  public:
   class Iterator {
    public:
-    JsonElement operator*() const { return {index_, JsonValue(*document_, word_)}; }
+    Item operator*() const {
+      if constexpr (kMembers) {
+        return {document_->StringAt(word_), JsonValue(*document_, word_ + 1)};
+      } else {
+        return {index_, JsonValue(*document_, word_)};
+      }
+    }
     Iterator& operator++() {
-      word_ = document_->After(word_);
+      word_ = document_->After(kMembers ? word_ + 1 : word_);
       ++index_;
       return *this;
     }
@@ -171,38 +182,7 @@ class JsonChildren {
   Iterator end() const { return Iterator(*document_, closing_); }
 
  private:
-  const JsonDocument* document_;
-  uint32_t first_;
-  uint32_t closing_;
-};
-
-// The members of an object, read in order: each key's word is followed by its value.
-class JsonMembers {
- public:
-  class Iterator {
-   public:
-    JsonMember operator*() const {
-      return {document_->StringAt(word_), JsonValue(*document_, word_ + 1)};
-    }
-    Iterator& operator++() {
-      word_ = document_->After(word_ + 1);
-      return *this;
-    }
-    bool operator!=(const Iterator& other) const { return word_ != other.word_; }
-
-   private:
-    friend class JsonMembers;
-    Iterator(const JsonDocument& document, uint32_t word) : document_(&document), word_(word) {}
-    const JsonDocument* document_;
-    uint32_t word_;
-  };
-
-  JsonMembers(const JsonDocument& document, uint32_t first, uint32_t closing)
-      : document_(&document), first_(first), closing_(closing) {}
-  Iterator begin() const { return Iterator(*document_, first_); }
-  Iterator end() const { return Iterator(*document_, closing_); }
-
- private:
+  static constexpr bool kMembers = std::is_same_v<Item, JsonMember>;
   const JsonDocument* document_;
   uint32_t first_;
   uint32_t closing_;
@@ -277,9 +257,9 @@ inline std::string_view JsonValue::String() const {
   return document_->StringAt(word_);
 }
 
-inline JsonChildren JsonValue::Elements() const {
-  if (!IsArray()) return JsonChildren(*document_, 0, 0);
-  return JsonChildren(*document_, FirstChild(), Closing());
+inline JsonElements JsonValue::Elements() const {
+  if (!IsArray()) return JsonElements(*document_, 0, 0);
+  return JsonElements(*document_, FirstChild(), Closing());
 }
 
 inline JsonMembers JsonValue::Members() const {

@@ -127,7 +127,13 @@ std::u16string Decode(std::string_view bytes, bool& wellFormed) {
   wellFormed = true;
   std::u16string out;
   out.reserve(bytes.size());
+  // Most text is plain ASCII: its leading run is widened in one go.
   size_t i = 0;
+  while (i < bytes.size() && static_cast<unsigned char>(bytes[i]) < 0x80)
+    ++i;
+  out.resize(i);
+  for (size_t k = 0; k < i; ++k)
+    out[k] = static_cast<char16_t>(bytes[k]);
   while (i < bytes.size()) {
     auto lead = static_cast<unsigned char>(bytes[i]);
     if (lead < 0x80) {

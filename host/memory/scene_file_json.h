@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <initializer_list>
 #include <optional>
 #include <stdexcept>
@@ -67,10 +68,14 @@ class Fields {
       if (std::find(allowed.begin(), allowed.end(), member.key) == allowed.end()) {
         Fail(Member(path_, member.key), "unknown key");
       }
+      keyBits_ |= KeyBit(member.key);
     }
   }
 
-  std::optional<JsonValue> Find(std::string_view key) const { return value_.Find(key); }
+  std::optional<JsonValue> Find(std::string_view key) const {
+    if ((keyBits_ & KeyBit(key)) == 0) return std::nullopt;
+    return value_.Find(key);
+  }
   JsonValue Get(std::string_view key) const {
     std::optional<JsonValue> found = Find(key);
     if (!found) Fail(path_, "missing key \"" + std::string(key) + "\"");
@@ -80,8 +85,16 @@ class Fields {
   const JsonPath& path() const { return path_; }
 
  private:
+  // A bit for each key's length and first letter. Most lookups are of optional keys that an
+  // object does not hold, and a clear bit settles them without reading its members.
+  static uint64_t KeyBit(std::string_view key) {
+    unsigned first = key.empty() ? 0 : static_cast<unsigned char>(key[0]);
+    return uint64_t{1} << ((key.size() * 7 + first) & 63);
+  }
+
   JsonValue value_;
   JsonPath path_;
+  uint64_t keyBits_ = 0;
 };
 
 JsonValue RequireArray(JsonValue value, const JsonPath& path);

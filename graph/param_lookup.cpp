@@ -28,6 +28,10 @@ bool IsReferenceType(ParamType2 type) {
   return type == host::TYPE_MTL || type == host::TYPE_TEXMAP || type == host::TYPE_REFTARG;
 }
 
+ParamType2 TypeOf(const IParamBlock2& block, int index) {
+  return block.GetDesc()->GetParamType(index);
+}
+
 // Reads parameter `index` of `block` as a value of `type` (a plain, non-table type).
 ParamValue ReadValue(const IParamBlock2& block, int index, int type, host::TimeValue t,
                      int tabIndex) {
@@ -72,11 +76,11 @@ ParamValue ReadValue(const IParamBlock2& block, int index, int type, host::TimeV
   return value;
 }
 
-// Calls `visit(block, index, type)` for each definition named `name`, in search order, until
-// it answers true. Answers whether a visit did.
+// Calls `visit(block, index, name)` for each named definition, in search order, until it
+// answers true. Answers whether a visit did.
 template <class Visit>
-bool VisitNamedParams(const host::Animatable* object, std::u16string_view name, Visit visit) {
-  if (object == nullptr || name.empty()) return false;
+bool VisitParams(const host::Animatable* object, Visit visit) {
+  if (object == nullptr) return false;
   int blockCount = object->NumParamBlocks();
   for (int b = 0; b < blockCount; ++b) {
     const IParamBlock2* block = object->GetParamBlock(b);
@@ -86,11 +90,25 @@ bool VisitNamedParams(const host::Animatable* object, std::u16string_view name, 
     int count = desc->Count();
     for (int i = 0; i < count; ++i) {
       std::optional<std::u16string_view> paramName = desc->GetParamName(i);
-      if (!paramName || !EqualsIgnoringAsciiCase(*paramName, name)) continue;
-      if (visit(*block, i, desc->GetParamType(i))) return true;
+      if (paramName && visit(*block, i, *paramName)) return true;
     }
   }
   return false;
+}
+
+// Calls `visit(block, index, type)` for each definition named `name`, in search order, until
+// it answers true. Answers whether a visit did.
+template <class Visit>
+bool VisitNamedParams(const host::Animatable* object, std::u16string_view name, Visit visit) {
+  if (name.empty()) return false;
+  return VisitParams(object, [&](const IParamBlock2& block, int index, std::u16string_view own) {
+    return EqualsIgnoringAsciiCase(own, name) && visit(block, index, TypeOf(block, index));
+  });
+}
+
+// The value `FindParamValue` takes from a definition of the name it looks for, if any.
+ParamValue ReadNamedValue(const IParamBlock2& block, int index, host::TimeValue t) {
+  return ReadValue(block, index, TypeOf(block, index), t, 0);
 }
 
 }  // namespace
@@ -106,11 +124,28 @@ bool EqualsIgnoringAsciiCase(std::u16string_view a, std::u16string_view b) {
 ParamValue FindParamValue(const host::Animatable* object, std::u16string_view name,
                           host::TimeValue t) {
   ParamValue found;
-  VisitNamedParams(object, name, [&](const IParamBlock2& block, int index, ParamType2 type) {
-    found = ReadValue(block, index, type, t, 0);
+  VisitNamedParams(object, name, [&](const IParamBlock2& block, int index, ParamType2) {
+    found = ReadNamedValue(block, index, t);
     return found.kind != ParamKind::kNone;
   });
   return found;
+}
+
+ParamNameIndex::ParamNameIndex(const host::Animatable* object) {
+  VisitParams(object, [&](const IParamBlock2& block, int index, std::u16string_view name) {
+    entries_.push_back({name, &block, index});
+    return false;
+  });
+}
+
+ParamValue ParamNameIndex::FindValue(std::u16string_view name, host::TimeValue t) const {
+  if (name.empty()) return {};
+  for (const Entry& entry : entries_) {
+    if (!EqualsIgnoringAsciiCase(entry.name, name)) continue;
+    ParamValue found = ReadNamedValue(*entry.block, entry.index, t);
+    if (found.kind != ParamKind::kNone) return found;
+  }
+  return {};
 }
 
 host::Animatable* FindParamReference(const host::Animatable* object, std::u16string_view name,

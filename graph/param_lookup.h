@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/animatable.h"
 
@@ -52,6 +53,24 @@ int FindParamTabCount(const host::Animatable* object, std::u16string_view name);
 // Element `index` of the first such table of that name whose element can be read.
 ParamValue FindParamTabValue(const host::Animatable* object, std::u16string_view name, int index,
                              host::TimeValue t);
+
+// One object's named parameters, listed once for a run of lookups: FindValue gives what
+// FindParamValue would, without asking the host for every parameter's name again for each
+// lookup. A writer looks up dozens of names on an object with a handful of parameters. The
+// object and its parameters must stay as they are while the index is in use.
+class ParamNameIndex {
+ public:
+  explicit ParamNameIndex(const host::Animatable* object);
+  ParamValue FindValue(std::u16string_view name, host::TimeValue t) const;
+
+ private:
+  struct Entry {
+    std::u16string_view name;
+    const host::IParamBlock2* block;
+    int index;
+  };
+  std::vector<Entry> entries_;
+};
 
 // Case-insensitive for ASCII letters only, so results do not depend on the process locale.
 bool EqualsIgnoringAsciiCase(std::u16string_view a, std::u16string_view b);

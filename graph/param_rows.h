@@ -19,6 +19,7 @@ struct RowRun {
   FragmentList& fragments;
   const WriteContext& context;
   const host::MtlBase& object;
+  ParamNameIndex params{&object};
   int roughnessMode = 0;
   int iorMode = 0;
   bool realWorldScale = false;
@@ -50,10 +51,6 @@ struct WriterTable {
 
 FragmentList RunWriter(const WriterTable& writer, const WriteContext& context,
                        const host::MtlBase& object);
-
-// `"key":` + the value times 100, when the parameter is a float.
-void AppendMapAmountJson(FragmentList& fragments, const host::Animatable* object, host::TimeValue t,
-                         std::u16string_view hostName, std::u16string_view jsonKey);
 
 extern const RowRule kPercent;
 

@@ -123,6 +123,28 @@ TEST(ParamLookup, FirstReadableMatchWinsAcrossDefinitionsAndBlocks) {
   EXPECT_EQ(Fragment(owner, u"late"), u"\"key\":4");         // later blocks are searched
 }
 
+// A writer's rows look names up through an index of the object's parameters: each lookup gives
+// what a lookup straight on the object gives, passed-over matches and case included.
+TEST(ParamLookup, AnIndexOfTheParametersFindsWhatTheObjectItselfGives) {
+  MemTexmap map;
+  Owner owner;
+  owner.MissingBlock()
+      .Block({Param(std::nullopt, TYPE_FLOAT, {9.0f}),
+              Param(u"color", TYPE_TEXMAP, {static_cast<Animatable*>(&map)}),
+              Param(u"amount", TYPE_FLOAT, {1.0f}), Param(u"", TYPE_INT, {3})})
+      .Block({Param(u"Color", TYPE_RGBA, {Color{0, 1, 0}}), Param(u"AMOUNT", TYPE_FLOAT, {2.0f}),
+              Param(u"name", TYPE_STRING, {std::u16string(u"x")})});
+  ParamNameIndex index(owner.get());
+  for (std::u16string_view name :
+       {u"color", u"COLOR", u"amount", u"Amount", u"name", u"", u"missing", u"colo"}) {
+    ParamValue direct = FindParamValue(owner.get(), name, kTime);
+    ParamValue indexed = index.FindValue(name, kTime);
+    EXPECT_EQ(indexed.kind, direct.kind) << ToUtf8(name);
+    EXPECT_EQ(FormatParamValueJson(indexed), FormatParamValueJson(direct)) << ToUtf8(name);
+  }
+  EXPECT_EQ(ParamNameIndex(nullptr).FindValue(u"color", kTime).kind, ParamKind::kNone);
+}
+
 TEST(ParamLookup, NullObjectsAndEmptyNamesFindNothing) {
   Owner owner;
   owner.Block({Param(u"f", TYPE_FLOAT, {1.0f})});

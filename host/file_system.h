@@ -3,13 +3,21 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
+#include <functional>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 
 namespace orvane::host {
+
+// Where a file's bytes go while they are being produced.
+class ByteSink {
+ public:
+  virtual void Write(std::string_view bytes) = 0;
+
+ protected:
+  ~ByteSink() = default;
+};
 
 class FileSystem {
  public:
@@ -19,11 +27,13 @@ class FileSystem {
   // The whole file, or nullopt when it cannot be opened or is larger than `maxBytes`.
   virtual std::optional<std::string> ReadBytes(std::u16string_view path,
                                                uint64_t maxBytes) const = 0;
-  // Replaces the file with `parts`, one after the other, so that a large file need not be joined
-  // in memory first; false on any failure.
-  virtual bool WriteParts(std::u16string_view path, std::span<const std::string_view> parts) = 0;
+  // Replaces the file with what `produce` writes into the sink, so that a document of hundreds of
+  // megabytes never has to be held whole; false on any failure. When `produce` throws, the file
+  // is left as it was and the exception goes on.
+  virtual bool WriteStreamed(std::u16string_view path,
+                             const std::function<void(ByteSink&)>& produce) = 0;
   bool WriteBytes(std::u16string_view path, std::string_view bytes) {
-    return WriteParts(path, std::span<const std::string_view>(&bytes, 1));
+    return WriteStreamed(path, [bytes](ByteSink& sink) { sink.Write(bytes); });
   }
   // False when the folder could not be made (an existing folder included).
   virtual bool CreateDirectory(std::u16string_view path) = 0;

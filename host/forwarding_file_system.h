@@ -12,8 +12,9 @@ class ForwardingFileSystem : public FileSystem {
   std::optional<std::string> ReadBytes(std::u16string_view path, uint64_t maxBytes) const override {
     return inner_.ReadBytes(path, maxBytes);
   }
-  bool WriteParts(std::u16string_view path, std::span<const std::string_view> parts) override {
-    return inner_.WriteParts(path, parts);
+  bool WriteStreamed(std::u16string_view path,
+                     const std::function<void(ByteSink&)>& produce) override {
+    return inner_.WriteStreamed(path, produce);
   }
   bool CreateDirectory(std::u16string_view path) override { return inner_.CreateDirectory(path); }
   bool CopyFile(std::u16string_view from, std::u16string_view to) override {

@@ -41,11 +41,22 @@ std::optional<std::string> LocalFileSystem::ReadBytes(std::u16string_view path,
 
 namespace {
 
-bool WriteInPlace(const fs::path& file, std::span<const std::string_view> parts) {
+class StreamSink final : public ByteSink {
+ public:
+  explicit StreamSink(std::ofstream& out) : out_(out) {}
+  void Write(std::string_view bytes) override {
+    out_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  }
+
+ private:
+  std::ofstream& out_;
+};
+
+bool WriteInPlace(const fs::path& file, const std::function<void(ByteSink&)>& produce) {
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   if (!out) return false;
-  for (std::string_view part : parts)
-    out.write(part.data(), static_cast<std::streamsize>(part.size()));
+  StreamSink sink(out);
+  produce(sink);
   out.close();
   return !out.fail();
 }
@@ -60,23 +71,30 @@ bool RemoveFileOnly(const fs::path& file) {
 }  // namespace
 
 // A plain file is written beside itself and renamed over the old one only once every byte is
-// out, so a write that fails half way (a full disk) leaves no truncated document behind. Devices,
-// links and anything else that is not a plain file are written where they stand: renaming over
-// them would replace the link or the device itself.
-bool LocalFileSystem::WriteParts(std::u16string_view path,
-                                 std::span<const std::string_view> parts) {
+// out, so a write that fails half way (a full disk, a producer that throws) leaves no truncated
+// document behind. Devices, links and anything else that is not a plain file are written where
+// they stand: renaming over them would replace the link or the device itself.
+bool LocalFileSystem::WriteStreamed(std::u16string_view path,
+                                    const std::function<void(ByteSink&)>& produce) {
   fs::path file = ToLocalPath(path);
   std::error_code error;
   fs::file_type type = fs::symlink_status(file, error).type();
   if (type != fs::file_type::not_found && type != fs::file_type::regular) {
-    return WriteInPlace(file, parts);
+    return WriteInPlace(file, produce);
   }
   fs::path writing = file;
   writing += ".writing";
   // What an interrupted write left there goes first: a link there would lead this write into
   // another file.
   RemoveFileOnly(writing);
-  if (WriteInPlace(writing, parts)) {
+  bool written = false;
+  try {
+    written = WriteInPlace(writing, produce);
+  } catch (...) {
+    RemoveFileOnly(writing);
+    throw;
+  }
+  if (written) {
     fs::rename(writing, file, error);
     if (!error) return true;
   }

@@ -20,7 +20,8 @@ class LocalFileSystem final : public FileSystem {
 
   bool Exists(std::u16string_view path) const override;
   std::optional<std::string> ReadBytes(std::u16string_view path, uint64_t maxBytes) const override;
-  bool WriteParts(std::u16string_view path, std::span<const std::string_view> parts) override;
+  bool WriteStreamed(std::u16string_view path,
+                     const std::function<void(ByteSink&)>& produce) override;
   bool CreateDirectory(std::u16string_view path) override;
   bool CopyFile(std::u16string_view from, std::u16string_view to) override;
   bool DeleteFile(std::u16string_view path) override;

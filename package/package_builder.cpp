@@ -23,18 +23,31 @@ namespace {
 
 using Log = std::vector<std::u16string>;
 
-// Text collected in blocks of a few MiB. A single growing string would be copied each time it
-// outgrew itself, holding the old and the new copy at once: twice the package at the end.
-struct TextBlocks {
-  static constexpr size_t kBlockBytes = 4 << 20;
-  std::vector<std::string> blocks;
+// The package goes to its file a block at a time as it is produced. Held whole, it would be
+// hundreds of megabytes of fresh memory, and on a virtual machine first touching fresh memory
+// costs more than writing the file; one block, written again and again, stays in the cache.
+class BlockWriter {
+ public:
+  explicit BlockWriter(host::ByteSink& sink) : sink_(sink) { block_.reserve(kBlockBytes); }
 
   void Append(std::string_view text) {
-    if (blocks.empty() || blocks.back().size() + text.size() > blocks.back().capacity()) {
-      blocks.emplace_back().reserve(std::max(kBlockBytes, text.size()));
+    if (block_.size() + text.size() > kBlockBytes) Flush();
+    if (text.size() >= kBlockBytes) {
+      sink_.Write(text);
+    } else {
+      block_ += text;
     }
-    blocks.back() += text;
   }
+
+  void Flush() {
+    sink_.Write(block_);
+    block_.clear();
+  }
+
+ private:
+  static constexpr size_t kBlockBytes = 1 << 20;
+  host::ByteSink& sink_;
+  std::string block_;
 };
 
 std::vector<host::INode*> GeometryWithMaterials(const WriteContext& context) {
@@ -114,7 +127,7 @@ std::u16string MaterialIds(const WriteContext& context, host::INode& node) {
 // One object's record appended to `objects`. `material` is scratch space, kept from record to
 // record so that its capacity is reused.
 void AppendObjectRecord(const WriteContext& context, NodeTreeState& state, host::INode& node,
-                        Log& log, std::string& material, TextBlocks& objects) {
+                        Log& log, std::string& material, BlockWriter& objects) {
   std::u16string ids = MaterialIds(context, node);
   std::vector<std::u16string> errors;
   material.clear();
@@ -198,33 +211,30 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
                 Decimal(static_cast<int64_t>(geometry.size())));
   RenameDuplicates(geometry, log);
 
-  // Records are written as UTF-8 straight into the blocks: the package is never held as wide
-  // text, and no record is built twice.
-  TextBlocks objects;
-  std::string material;
-  for (size_t i = 0; i < geometry.size(); ++i) {
-    AppendObjectRecord(context, state, *geometry[i], log, material, objects);
-    objects.Append(i + 1 < geometry.size() ? ",\n" : "\n");
-  }
-  std::u16string sections = CollectLightsJson(context, files, log);
-  sections += CollectCamerasJson(context, log);
-  sections += WriteEnvironmentJson(context, state, log);
   ColorSettings color = QueryColorSettings(context.scene);
   double unitScale = SceneUnitScale(context.scene);
   RenderDisplacement displacement = QueryRenderDisplacement(context.scene);
-
   auto objectCount = static_cast<int32_t>(geometry.size());
-  std::string header = ToUtf8(Header(color, unitScale, displacement, objectCount));
-  std::string tail = "  ]" + ToUtf8(sections) + "\n}";
 
+  // Records are written as UTF-8 straight into the file: the package is never held as wide
+  // text, and no record is built twice.
+  bool written = files.WriteStreamed(documentPath, [&](host::ByteSink& sink) {
+    BlockWriter out(sink);
+    out.Append(ToUtf8(Header(color, unitScale, displacement, objectCount)));
+    std::string material;
+    for (size_t i = 0; i < geometry.size(); ++i) {
+      AppendObjectRecord(context, state, *geometry[i], log, material, out);
+      out.Append(i + 1 < geometry.size() ? ",\n" : "\n");
+    }
+    std::u16string sections = CollectLightsJson(context, files, log);
+    sections += CollectCamerasJson(context, log);
+    sections += WriteEnvironmentJson(context, state, log);
+    out.Append("  ]" + ToUtf8(sections) + "\n}");
+    out.Flush();
+  });
   BuildResult result;
   result.logLineCount = static_cast<int32_t>(log.size());
-  // Written part by part: the records, by far the largest, are never copied into one document.
-  std::vector<std::string_view> document{header};
-  for (const std::string& block : objects.blocks)
-    document.push_back(block);
-  document.push_back(tail);
-  if (!files.WriteParts(documentPath, document)) return result;
+  if (!written) return result;
   result.success = true;
   result.objectCount = objectCount;
   if (!log.empty()) files.WriteBytes(LogPathFor(documentPath), LogText(log));

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -31,9 +33,25 @@ TEST(LocalFileSystem, WritingReplacesTheFileAndLeavesNothingElse) {
   TempFolder folder("orvane-files");
   folder.Write("1.json", "an older, longer package");
   host::LocalFileSystem files;
-  std::string_view parts[] = {"{\n", "  \"objects\": []", "\n}"};
-  ASSERT_TRUE(files.WriteParts((folder.path / "1.json").u16string(), parts));
+  ASSERT_TRUE(files.WriteStreamed((folder.path / "1.json").u16string(), [](host::ByteSink& sink) {
+    for (std::string_view part : {"{\n", "  \"objects\": []", "\n}"})
+      sink.Write(part);
+  }));
   EXPECT_EQ(FileContents(folder.path / "1.json"), "{\n  \"objects\": []\n}");
+  EXPECT_EQ(FolderEntries(folder.path), std::vector<fs::path>{"1.json"});
+}
+
+TEST(LocalFileSystem, AProducerThatThrowsLeavesTheOldFileWholeAndNothingElse) {
+  TempFolder folder("orvane-files");
+  folder.Write("1.json", "the package of the last send");
+  host::LocalFileSystem files;
+  auto failHalfWay = [](host::ByteSink& sink) {
+    sink.Write(std::string(1 << 20, 'x'));
+    throw std::runtime_error("a material broke");
+  };
+  EXPECT_THROW(files.WriteStreamed((folder.path / "1.json").u16string(), failHalfWay),
+               std::runtime_error);
+  EXPECT_EQ(FileContents(folder.path / "1.json"), "the package of the last send");
   EXPECT_EQ(FolderEntries(folder.path), std::vector<fs::path>{"1.json"});
 }
 

@@ -76,9 +76,10 @@ class FailingFileSystem final : public host::ForwardingFileSystem {
     Tick();
     return inner_.ReadBytes(p, max);
   }
-  bool WriteParts(std::u16string_view p, std::span<const std::string_view> parts) override {
+  bool WriteStreamed(std::u16string_view p,
+                     const std::function<void(host::ByteSink&)>& produce) override {
     Tick();
-    return inner_.WriteParts(p, parts);
+    return inner_.WriteStreamed(p, produce);
   }
   bool CreateDirectory(std::u16string_view p) override {
     Tick();

@@ -1,6 +1,7 @@
 #include "graph/tree_template.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace orvane {
 
@@ -19,6 +20,18 @@ void AppendDecimal(std::string& out, uint32_t value) {
   out.append(digits, static_cast<size_t>(count));
 }
 
+// A tree's text is mostly quoted names: a plain search for a key that starts with a quote would
+// stop at every quote to compare, where this one skips ahead by up to the key's length.
+using KeySearcher = std::boyer_moore_horspool_searcher<std::string_view::const_iterator>;
+const KeySearcher kIdKeySearchers[] = {{kIdKeys[0].begin(), kIdKeys[0].end()},
+                                       {kIdKeys[1].begin(), kIdKeys[1].end()}};
+
+size_t Find(std::string_view text, size_t key, size_t from) {
+  auto found = std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(),
+                           kIdKeySearchers[key]);
+  return found != text.end() ? static_cast<size_t>(found - text.begin()) : std::string_view::npos;
+}
+
 }  // namespace
 
 std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view text, uint32_t base,
@@ -28,10 +41,10 @@ std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view text, uint32_t
   size_t start = 0, nodeIds = 0;
   // The next place of each key, searched again only once the walk has passed it: searching both
   // from every id would scan a tree of n ids n times.
-  size_t next[] = {text.find(kIdKeys[0]), text.find(kIdKeys[1])};
+  size_t next[] = {Find(text, 0, 0), Find(text, 1, 0)};
   for (;;) {
     for (size_t k = 0; k < 2; ++k) {
-      if (next[k] < start) next[k] = text.find(kIdKeys[k], start);
+      if (next[k] < start) next[k] = Find(text, k, start);
     }
     size_t key = next[0] < next[1] ? 0 : 1;
     size_t at = next[key];

@@ -22,12 +22,17 @@ FileReadError Refusal(const fs::file_status& status) {
 
 }  // namespace
 
-FileRead ReadRegularFile(const fs::path& path, uint64_t maxBytes, size_t spareCapacity) {
+FileReadError CheckRegularFile(const fs::path& path) {
   std::error_code error;
   fs::file_status status = fs::status(path, error);
-  if (error && status.type() != fs::file_type::not_found) return {{}, FileReadError::kUnreadable};
-  if (FileReadError refusal = Refusal(status); refusal != FileReadError::kNone)
+  if (error && status.type() != fs::file_type::not_found) return FileReadError::kUnreadable;
+  return Refusal(status);
+}
+
+FileRead ReadRegularFile(const fs::path& path, uint64_t maxBytes, size_t spareCapacity) {
+  if (FileReadError refusal = CheckRegularFile(path); refusal != FileReadError::kNone)
     return {{}, refusal};
+  std::error_code error;
   uintmax_t size = fs::file_size(path, error);
   if (error) return {{}, FileReadError::kUnreadable};
   if (size > maxBytes) return {{}, FileReadError::kTooLarge};

@@ -18,6 +18,9 @@ struct FileRead {
   FileReadError error = FileReadError::kNone;
 };
 
+// kNone for a plain file; otherwise why it is refused (missing, a folder, a device or pipe).
+FileReadError CheckRegularFile(const std::filesystem::path& path);
+
 // spareCapacity: bytes the returned text keeps allocated beyond its end, for parsers that read
 // past it in wide steps.
 FileRead ReadRegularFile(const std::filesystem::path& path, uint64_t maxBytes,

@@ -10,6 +10,7 @@
 #include "base/flat_map.h"
 #include "base/wide_text.h"
 #include "host/file_read.h"
+#include "host/mapped_file.h"
 #include "host/memory/scene_file.h"
 #include "host/memory/scene_file_json.h"
 #include "host/memory/scene_file_names.h"
@@ -822,10 +823,18 @@ SceneLoadResult LoadSceneText(std::string_view text, const std::filesystem::path
 }
 
 SceneLoadResult LoadSceneFile(const std::filesystem::path& file) {
-  FileRead read = ReadRegularFile(file, std::numeric_limits<uint64_t>::max(), kParsePadding);
-  if (!read.bytes) return {nullptr, file.string() + ": " + DescribeFileReadError(read.error)};
+  FileReadError error = FileReadError::kNone;
+  FileBytes text = FileBytes::Open(file, kParsePadding, error);
+  if (error != FileReadError::kNone) {
+    return {nullptr, file.string() + ": " + DescribeFileReadError(error)};
+  }
   SceneLoadResult result =
-      Load(*read.bytes, kParsePadding, file.parent_path(), [&] { read.bytes.reset(); });
+      Load(text.bytes(), kParsePadding, file.parent_path(), [&] { text.Release(); });
+  text.Release();
+  if (text.CutShort()) {
+    // Whatever was read past the cut was zeros: neither the scene nor a fault found in it counts.
+    return {nullptr, file.string() + ": was cut short by another program while it was read"};
+  }
   if (!result.scene) result.error = file.string() + ": " + result.error;
   return result;
 }

@@ -5,8 +5,10 @@
 
 #include "base/huge_pages.h"
 #include "cli/commands.h"
+#include "cli/scene_disposal.h"
 
 int main(int argc, char** argv) {
   orvane::RestartWithHugePageHeap(argv);
+  orvane::cli::EndProcessAfterCommand();
   return orvane::cli::RunOrvane({argv + 1, argv + argc}, std::cout, std::cerr);
 }

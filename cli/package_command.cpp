@@ -5,6 +5,7 @@
 #include "cli/commands.h"
 #include "cli/flags.h"
 #include "cli/output_folder.h"
+#include "cli/scene_disposal.h"
 #include "host/memory/scene_file.h"
 #include "package/package_builder.h"
 
@@ -34,6 +35,7 @@ int RunPackage(const std::vector<std::string>& args, std::ostream& out, std::ost
   }
   out << "package: " << flags.Get("-o") << "\nlog: " << ToUtf8(LogPathFor(document))
       << "\nobjects: " << result.objectCount << "\nlog lines: " << result.logLineCount << "\n";
+  LetGoOfScene(std::move(loaded.scene));
   return kExitOk;
 }
 

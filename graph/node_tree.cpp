@@ -34,10 +34,18 @@ class TreeWriter {
   TreeWriter(const WriteContext& context, NodeTreeState& state, std::string& out)
       : context_(context), state_(state), out_(out) {}
 
+  // A tree already written from a fresh start is its template again, with its ids shifted, as
+  // long as none of its nodes has been written before it: then it comes out the same.
   void Write(const host::MtlBase* object, int depth);
+  // The same, but the root's own template is neither used nor kept.
+  void WriteRootUnkept(const host::MtlBase* object, int depth);
   int refsWritten() const { return refs_; }
 
  private:
+  // A reference to the object's node if it was written before; false if not.
+  bool WriteRef(const host::MtlBase& object, int depth);
+  void WriteNode(const host::MtlBase& object, int depth);
+  bool NoneVisited(const TreeTemplate& tree) const;
   // A node's children, written as they are walked. The slots found switched off are listed
   // among the members, ahead of the children, once the walk has found them all.
   struct Children {
@@ -66,22 +74,67 @@ class TreeWriter {
   int refs_ = 0;
 };
 
+bool TreeWriter::WriteRef(const host::MtlBase& object, int depth) {
+  host::AnimHandle handle = object.GetHandle();
+  if (handle == 0) return false;
+  const uint32_t* seen = state_.visited.Find(handle);
+  if (seen == nullptr || *seen == kNoId) return false;
+  ++refs_;
+  Append(out_, std::string(static_cast<size_t>(2 * depth), ' '),
+         "{ \"ref\": ", std::to_string(*seen), " }");
+  return true;
+}
+
+void TreeWriter::WriteRootUnkept(const host::MtlBase* object, int depth) {
+  if (object == nullptr) {
+    out_ += "null";
+  } else if (!WriteRef(*object, depth)) {
+    WriteNode(*object, depth);
+  }
+}
+
 void TreeWriter::Write(const host::MtlBase* object, int depth) {
   if (object == nullptr) {
     out_ += "null";
     return;
   }
+  if (WriteRef(*object, depth)) return;
+  if (context_.trees == nullptr) {
+    WriteNode(*object, depth);
+    return;
+  }
+  TreeTemplates::Root root{object, depth};
+  if (const auto* known = context_.trees->byRoot.Find(root)) {
+    if (*known && NoneVisited(**known)) {
+      refs_ += RenderTemplate(**known, state_, out_);
+    } else {
+      WriteNode(*object, depth);
+    }
+    return;
+  }
+  bool freshStart = state_.visited.empty();
+  uint32_t base = state_.nodeCounter;
+  size_t start = out_.size();
+  int refsBefore = refs_;
+  WriteNode(*object, depth);
+  auto made = MakeTemplate(std::string_view(out_).substr(start), base, state_, refs_ - refsBefore);
+  // From a fresh start a tree that cannot be kept never can be. Further in, a reference to a
+  // node written before the tree may be what stopped it, and elsewhere it may be kept.
+  if (made || freshStart) *context_.trees->byRoot.TryEmplace(root).first = std::move(made);
+}
+
+// Whether none of the template's nodes has been written yet, so that the tree comes out as it did
+// from a fresh start: no reference to a node written before it.
+bool TreeWriter::NoneVisited(const TreeTemplate& tree) const {
+  return std::none_of(tree.visited.begin(), tree.visited.end(),
+                      [&](const auto& node) { return state_.visited.Find(node.first) != nullptr; });
+}
+
+void TreeWriter::WriteNode(const host::MtlBase& node, int depth) {
+  const host::MtlBase* object = &node;  // the walk below passes it on as it stands
   std::string indent(static_cast<size_t>(2 * depth), ' ');
   std::string inner = indent + "  ";
   host::AnimHandle handle = object->GetHandle();
-  if (handle != 0) {
-    const uint32_t* seen = state_.visited.Find(handle);
-    if (seen != nullptr && *seen != kNoId) {
-      ++refs_;
-      Append(out_, indent, "{ \"ref\": ", std::to_string(*seen), " }");
-      return;
-    }
-  }
   std::u16string className = object->GetClassName();
   uint32_t id = ++state_.nodeCounter;
   bool material = IsMaterial(*object);
@@ -257,13 +310,6 @@ void TreeWriter::WriteLayers(const host::Mtl& material, const std::string& inner
   }
 }
 
-int WriteAfresh(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
-                int depth, std::string& out) {
-  TreeWriter writer(context, state, out);
-  writer.Write(object, depth);
-  return writer.refsWritten();
-}
-
 }  // namespace
 
 void ResetVisitedNodes(NodeTreeState& state) {
@@ -271,20 +317,14 @@ void ResetVisitedNodes(NodeTreeState& state) {
 }
 
 int AppendNodeTree(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
-                   int depth, std::string& out) {
-  if (context.trees == nullptr || object == nullptr || !state.visited.empty())
-    return WriteAfresh(context, state, object, depth, out);
-  TreeTemplates::Root root{object, depth};
-  if (const auto* known = context.trees->byRoot.Find(root)) {
-    if (*known) return RenderTemplate(**known, state, out);
-    return WriteAfresh(context, state, object, depth, out);
+                   int depth, std::string& out, KeepTemplates keep) {
+  TreeWriter writer(context, state, out);
+  if (keep == KeepTemplates::kBranchesOnly) {
+    writer.WriteRootUnkept(object, depth);
+  } else {
+    writer.Write(object, depth);
   }
-  uint32_t base = state.nodeCounter;
-  size_t start = out.size();
-  int refs = WriteAfresh(context, state, object, depth, out);
-  *context.trees->byRoot.TryEmplace(root).first =
-      MakeTemplate(std::string_view(out).substr(start), base, state, refs);
-  return refs;
+  return writer.refsWritten();
 }
 
 std::u16string WriteNodeTree(const WriteContext& context, NodeTreeState& state,

@@ -63,8 +63,9 @@ std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view text, uint32_t
     return nullptr;
   }
   made->text.append(text, start);
-  state.visited.ForEach(
-      [&](host::AnimHandle handle, uint32_t id) { made->visited.emplace_back(handle, id - base); });
+  state.visited.ForEach([&](host::AnimHandle handle, uint32_t id) {
+    if (id > base) made->visited.emplace_back(handle, id - base);
+  });
   return made;
 }
 

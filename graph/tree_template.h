@@ -11,10 +11,11 @@
 
 namespace orvane {
 
-// The template of `text`, just written from counter `base` with `refs` references and the
-// visited list empty before it: every id is found after the writer's own "node_id" and "ref"
-// keys. Null unless exactly the ids that were written are found (a member of the same name
-// would add one).
+// The template of `text`, just written from counter `base` with `refs` references: every id is
+// found after the writer's own "node_id" and "ref" keys, and the nodes it visited are those
+// whose ids come after `base`. Null unless exactly the ids that were written are found (a member
+// of the same name would add one) and all of them are the text's own (a reference to a node
+// written before it would be one that is not).
 std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view text, uint32_t base,
                                                  const NodeTreeState& state, int refs);
 

@@ -44,9 +44,7 @@ int WriteMaterialRecord(const WriteContext& context, NodeTreeState& state,
     // The material's tree is kept only as part of its record's template: no other record
     // holds the same material at this depth, so a template of the tree alone would only
     // double the memory.
-    WriteContext treeUncached = context;
-    treeUncached.trees = nullptr;
-    int refs = AppendNodeTree(treeUncached, state, &material, 2, out);
+    int refs = AppendNodeTree(context, state, &material, 2, out, KeepTemplates::kBranchesOnly);
     out += "\n    }";
     return refs;
   }

@@ -275,8 +275,10 @@ TEST(NodeTree, IdsKeepRisingAcrossTreesAndResets) {
 }
 
 // Trees written again from their templates equal trees written afresh, ids, references and
-// the visited nodes included, whichever trees came between. Non-ASCII names put the ids at byte
-// offsets that differ from their places in the wide text.
+// the visited nodes included, whichever trees came between, and whether or not nodes were
+// visited before (a branch kept from one tree is used in another only where none of its nodes
+// was written yet). Non-ASCII names put the ids at byte offsets that differ from their places in
+// the wide text.
 TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
   auto loaded = host::memory::LoadSceneText(R"({"format": "orvane-scene/1",
     "materials": [
@@ -284,30 +286,45 @@ TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
       {"id": "a", "class": "VRayMtl", "name": "Ä 木", "slots": [{"name": "texmap_diffuse", "map": "loop"},
                                                           {"name": "texmap_bump", "map": "loop"}]},
       {"id": "b", "class": "Foo", "name": "B",
-       "params": [[{"name": "level", "type": "int", "value": 3}]]}],
-    "maps": [{"id": "loop", "class": "Mix", "name": "Schleife 🏠", "slots": [{"name": "map1", "map": "loop"}]}]})",
+       "params": [[{"name": "level", "type": "int", "value": 3}]]},
+      {"id": "c", "class": "VRayMtl", "name": "C", "slots": [{"name": "texmap_diffuse", "map": "leaf"}]},
+      {"id": "d", "class": "VRayMtl", "name": "D", "slots": [{"name": "texmap_diffuse", "map": "grain"},
+                                                          {"name": "texmap_bump", "map": "leaf"}]},
+      {"id": "e", "class": "VRayMtl", "name": "E", "slots": [{"name": "texmap_bump", "map": "leaf"}]}],
+    "maps": [{"id": "loop", "class": "Mix", "name": "Schleife 🏠", "slots": [{"name": "map1", "map": "loop"}]},
+             {"id": "leaf", "class": "Mix", "name": "Leaf", "slots": [{"name": "map1", "map": "grain"}]},
+             {"id": "grain", "class": "Noise", "name": "Grain"}]})",
                                             ".");
   ASSERT_TRUE(loaded.scene) << loaded.error;
   MemScene& scene = *loaded.scene;
-  auto* multi = dynamic_cast<host::MtlBase*>(scene.FindById("multi"));
-  auto* a = dynamic_cast<host::MtlBase*>(scene.FindById("a"));
-  auto* b = dynamic_cast<host::MtlBase*>(scene.FindById("b"));
-  const std::pair<host::MtlBase*, int> order[] = {{multi, 2}, {a, 3}, {multi, 2}, {b, 2},
-                                                  {a, 3},     {b, 2}, {multi, 3}, {a, 3}};
+  auto object = [&](const char* id) { return dynamic_cast<host::MtlBase*>(scene.FindById(id)); };
+  const struct {
+    const char* root;
+    int depth;
+    bool freshStart;
+  } order[] = {{"multi", 2, true}, {"a", 3, true}, {"multi", 2, true}, {"b", 2, true},
+               {"a", 3, false},    {"b", 2, true}, {"multi", 3, true}, {"a", 3, true},
+               {"c", 2, true},     {"d", 2, true}, {"e", 2, false},    {"c", 2, false},
+               {"d", 2, true}};
   TreeTemplates templates;
   WriteContext cached{scene, 0, nullptr, nullptr, &templates};
   WriteContext afresh{scene, 0};
   NodeTreeState cachedState, afreshState;
-  for (const auto& [root, depth] : order) {
-    ResetVisitedNodes(cachedState);
-    ResetVisitedNodes(afreshState);
-    EXPECT_EQ(WriteNodeTree(cached, cachedState, root, depth),
-              WriteNodeTree(afresh, afreshState, root, depth));
-    EXPECT_EQ(cachedState.nodeCounter, afreshState.nodeCounter);
-    EXPECT_EQ(cachedState.visited, afreshState.visited);
+  for (const auto& [root, depth, freshStart] : order) {
+    if (freshStart) {
+      ResetVisitedNodes(cachedState);
+      ResetVisitedNodes(afreshState);
+    }
+    EXPECT_EQ(WriteNodeTree(cached, cachedState, object(root), depth),
+              WriteNodeTree(afresh, afreshState, object(root), depth))
+        << root;
+    EXPECT_EQ(cachedState.nodeCounter, afreshState.nodeCounter) << root;
+    EXPECT_EQ(cachedState.visited, afreshState.visited) << root;
   }
-  ASSERT_NE(templates.byRoot.Find({multi, 2}), nullptr);
-  EXPECT_NE(*templates.byRoot.Find({multi, 2}), nullptr);
+  for (auto [root, depth] : {std::pair{"multi", 2}, std::pair{"leaf", 3}}) {
+    ASSERT_NE(templates.byRoot.Find({object(root), depth}), nullptr) << root;
+    EXPECT_NE(*templates.byRoot.Find({object(root), depth}), nullptr) << root;
+  }
 }
 
 // Whole records rendered again from their templates equal records written afresh, multi-

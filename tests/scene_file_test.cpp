@@ -36,6 +36,8 @@ TEST(SceneFile, BrokenFilesAreRejectedWithThePlaceOfTheFault) {
        "parse error at line 1, column 29: a NUL byte, which JSON text cannot contain"},
       {"NUL byte on a later line", std::string("{\"format\":\n \0\"orvane-scene/1\"}", 30),
        "parse error at line 2, column 2: a NUL byte, which JSON text cannot contain"},
+      {"NUL byte inside a string", std::string("{\"format\": \"orvane\0-scene/1\"}", 29),
+       "parse error at line 1, column 19: a NUL byte, which JSON text cannot contain"},
       {"missing format", "{}", "missing key \"format\""},
       {"other format", R"({"format": "orvane-scene/2"})",
        "format: unsupported format \"orvane-scene/2\" (expected \"orvane-scene/1\")"},

@@ -300,7 +300,8 @@ JsonDocument ParseStrictly(std::string_view text, size_t readableBeyond) {
 JsonDocument ParseLeavingKeysUnchecked(std::string_view text,
                                        [[maybe_unused]] size_t readableBeyond) {
 #ifdef ORVANE_HAVE_SIMDJSON
-  RejectNulBytes(text);
+  // simdjson refuses a NUL byte wherever it stands, so a text holding one is left to the strict
+  // parse below, which says where it is: no pass over the whole text looks for one first.
   RejectHugeTexts(text);
   if (std::optional<JsonDocument> fast = ParseFast(text, readableBeyond)) return std::move(*fast);
 #endif

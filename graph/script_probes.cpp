@@ -72,12 +72,17 @@ std::optional<std::u16string> RunProbeScript(const WriteContext& context,
 // Runs a probe script, or answers what it answered earlier in this build.
 std::optional<std::u16string> RunProbe(const WriteContext& context, const std::u16string& script) {
   if (context.probes == nullptr) return RunProbeScript(context, script);
-  auto cached = context.probes->byScript.find(script);
-  if (cached != context.probes->byScript.end()) return cached->second;
+  // One lookup whether or not the script ran before: a probe script is a kilobyte of text to hash.
+  auto [entry, isNew] = context.probes->byScript.try_emplace(script);
+  if (!isNew) return entry->second;
   ++context.probes->runs;
-  std::optional<std::u16string> reply = RunProbeScript(context, script);
-  context.probes->byScript.emplace(script, reply);
-  return reply;
+  try {
+    entry->second = RunProbeScript(context, script);
+  } catch (...) {
+    context.probes->byScript.erase(entry);  // a run that failed has no reply to keep
+    throw;
+  }
+  return entry->second;
 }
 
 std::optional<std::u16string> RunQuery(const WriteContext& context, const host::MtlBase& map,

@@ -150,9 +150,9 @@ void AppendObjectRecord(const WriteContext& context, NodeTreeState& state, host:
   host::Object* evaluated = node.EvalWorldState(context.time);
   std::u16string className = evaluated != nullptr ? evaluated->GetClassName() : std::u16string();
   std::string head = "  {\n    \"object_name\": \"";
-  AppendUtf8(head, EscapeJsonString(name));
+  AppendEscapedJsonUtf8(head, name);
   head += "\",\n    \"object_class\": \"";
-  AppendUtf8(head, EscapeJsonString(className));
+  AppendEscapedJsonUtf8(head, className);
   head += "\",\n    \"layer\": \"\",\n    \"material_ids\": ";
   AppendUtf8(head, ids);
   head += ",\n    \"displacement_mod\": ";

@@ -65,7 +65,9 @@ TEST(MemoryScene, ScriptsAreAnsweredByTheFirstRuleWhosePartsAllAppear) {
   auto scene = Load(R"("scripts": [
       {"contains": ["renderers.current", "bg_source"], "reply": "1|0.5,0.5,0.5|"},
       {"contains": ["renderers.current"], "fails": true},
-      {"contains": ["getAnimByHandle"], "reply": null}])");
+      {"contains": ["getAnimByHandle"], "reply": null},
+      {"contains": ["xxyz"], "reply": "overlapping"},
+      {"contains": ["Łódź"], "reply": "wide"}])");
   const struct {
     const char16_t* script;
     bool wantResult, succeeded;
@@ -76,6 +78,11 @@ TEST(MemoryScene, ScriptsAreAnsweredByTheFirstRuleWhosePartsAllAppear) {
       {u"a = renderers.current.displacement_amount", true, false, std::nullopt},
       {u"local mp = getAnimByHandle 12", true, true, std::nullopt},
       {u"unknown()", true, true, std::nullopt},
+      // The part found where a shorter step would have passed it, at the very end, or not at all.
+      {u"xxxyz", true, true, u"overlapping"},
+      {u"xyz", true, true, std::nullopt},
+      {u"a Łódź", true, true, u"wide"},
+      {u"AódźAód", true, true, std::nullopt},  // 'A' shares its low byte with 'Ł'
   };
   for (const auto& c : cases) {
     ScriptResult result = scene->ExecuteMAXScriptScript(c.script, true, c.wantResult);

@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -176,8 +175,9 @@ void FileBytes::Release() {
 #ifdef __linux__
   if (mapping_) {
     cutShort_ = CutShort();
-    munmap(mapping_->start, mapping_->length);
+    // The range is given up first: a later mapping at the same place is another file's.
     mapping_->guard->end.store(0);
+    munmap(mapping_->start, mapping_->length);
     mapping_.reset();
   }
 #endif

@@ -9,8 +9,8 @@
 
 #include "base/flat_map.h"
 #include "base/wide_text.h"
+#include "host/file_bytes.h"
 #include "host/file_read.h"
-#include "host/mapped_file.h"
 #include "host/memory/scene_file.h"
 #include "host/memory/scene_file_json.h"
 #include "host/memory/scene_file_names.h"

@@ -1,4 +1,4 @@
-#include "host/mapped_file.h"
+#include "host/file_bytes.h"
 
 #include <gtest/gtest.h>
 

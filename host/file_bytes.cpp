@@ -1,4 +1,4 @@
-#include "host/mapped_file.h"
+#include "host/file_bytes.h"
 
 #ifdef __linux__
 #include <fcntl.h>

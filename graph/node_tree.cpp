@@ -1,7 +1,6 @@
 #include "graph/node_tree.h"
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 
 #include "base/wide_text.h"
@@ -14,8 +13,6 @@
 namespace orvane {
 
 namespace {
-
-constexpr uint32_t kNoId = std::numeric_limits<uint32_t>::max();
 
 // Appends each piece in turn: the tree's text is written piece by piece, never built apart.
 template <class... Pieces>
@@ -78,7 +75,7 @@ bool TreeWriter::WriteRef(const host::MtlBase& object, int depth) {
   host::AnimHandle handle = object.GetHandle();
   if (handle == 0) return false;
   const uint32_t* seen = state_.visited.Find(handle);
-  if (seen == nullptr || *seen == kNoId) return false;
+  if (seen == nullptr) return false;
   ++refs_;
   Append(out_, std::string(static_cast<size_t>(2 * depth), ' '),
          "{ \"ref\": ", std::to_string(*seen), " }");
@@ -140,10 +137,7 @@ void TreeWriter::WriteNode(const host::MtlBase& node, int depth) {
   bool material = IsMaterial(*object);
   bool named = material || object->SuperClassID() == host::TEXMAP_CLASS_ID;
   // Recorded before the children are walked, so a child pointing back is a reference.
-  if (handle != 0) {
-    auto [entry, inserted] = state_.visited.TryEmplace(handle);
-    if (inserted || *entry == kNoId) *entry = id;
-  }
+  if (handle != 0) *state_.visited.TryEmplace(handle).first = id;
   Append(out_, indent, "{\n", inner, "\"node_id\": ", std::to_string(id), ",\n", inner,
          "\"type\": \"");
   AppendEscapedJsonUtf8(out_, NormalizeClassTypeName(className, material));

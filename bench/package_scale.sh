@@ -17,7 +17,7 @@ build/release/orvane scene generate --objects 100000 --materials 20000 --lights 
   -o "$work/scene-100k.scene.json" >/dev/null
 build/release/bench/package_bench --repeat "${REPEAT:-3}" "$work/out" "$work/scene-10k.scene.json" \
   "$work/scene-100k.scene.json" --boxes 5000 --boxes 50000 | tee "$work/report"
-awk '$1 ~ /scene-10k/ {t10=$3} $1 ~ /scene-100k/ {t100=$3} $1 == "boxes-5000" {b5=$3} $1 == "boxes-50000" {b50=$3}
+awk '$1 ~ /scene-10k/ {t10=$4} $1 ~ /scene-100k/ {t100=$4} $1 == "boxes-5000" {b5=$4} $1 == "boxes-50000" {b50=$4}
   END {printf "growth 10k -> 100k: x%.2f (10x the objects)\ngrowth 5k -> 50k boxes: x%.2f (10x the objects)\n", t100/t10, b50/b5}' "$work/report"
 
 best=""
@@ -29,7 +29,7 @@ for _ in $(seq "${REPEAT:-3}"); do
     best="$seconds" peak="$kib"
   fi
 done
-awk -v s="$best" -v kib="$peak" '$1 ~ /scene-100k/ {printf "orvane package, 100k end to end: %.2f s (fastest of %d), %.2fx the writer floor, %.2fx the copy floor; peak %.0f MB\n", s, '"${REPEAT:-3}"', s / $4, s / $6, kib * 1024 / 1e6}' "$work/report"
+awk -v s="$best" -v kib="$peak" '$1 ~ /scene-100k/ {printf "orvane package, 100k end to end: %.2f s (fastest of %d), %.2fx the writer floor, %.2fx the copy floor; peak %.0f MB\n", s, '"${REPEAT:-3}"', s / $5, s / $7, kib * 1024 / 1e6}' "$work/report"
 
 # Instructions (callgrind) of the same command on both scenes, the whole command and the build
 # alone: wall time on a shared machine is noisy, instruction counts are not. Valgrind does not

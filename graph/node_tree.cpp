@@ -29,16 +29,19 @@ bool IsMaterial(const host::Animatable& object) {
 class TreeWriter {
  public:
   TreeWriter(const WriteContext& context, NodeTreeState& state, std::string& out)
-      : context_(context), state_(state), out_(out) {}
+      : context_(context),
+        state_(state),
+        out_(out),
+        placesStart_(context.trees != nullptr ? context.trees->idPlaces.size() : 0) {}
 
   // A tree already written from a fresh start is its template again, with its ids shifted, as
   // long as none of its nodes has been written before it: then it comes out the same.
   void Write(const host::MtlBase* object, int depth);
   // The same, but the root's own template is neither used nor kept.
   void WriteRootUnkept(const host::MtlBase* object, int depth);
-  int refsWritten() const { return refs_; }
 
  private:
+  void AppendId(uint32_t id);
   // A reference to the object's node if it was written before; false if not.
   bool WriteRef(const host::MtlBase& object, int depth);
   void WriteNode(const host::MtlBase& object, int depth);
@@ -67,18 +70,24 @@ class TreeWriter {
   const WriteContext& context_;
   NodeTreeState& state_;
   std::string& out_;
+  size_t placesStart_;  // the first id place of this writer's text
   std::vector<std::string> uncachedParams_;
-  int refs_ = 0;
 };
+
+// Every id goes through here, so that a template finds its ids without searching its text.
+void TreeWriter::AppendId(uint32_t id) {
+  if (context_.trees != nullptr) context_.trees->idPlaces.push_back({out_.size(), id});
+  out_ += std::to_string(id);
+}
 
 bool TreeWriter::WriteRef(const host::MtlBase& object, int depth) {
   host::AnimHandle handle = object.GetHandle();
   if (handle == 0) return false;
   const uint32_t* seen = state_.visited.Find(handle);
   if (seen == nullptr) return false;
-  ++refs_;
-  Append(out_, std::string(static_cast<size_t>(2 * depth), ' '),
-         "{ \"ref\": ", std::to_string(*seen), " }");
+  Append(out_, std::string(static_cast<size_t>(2 * depth), ' '), "{ \"ref\": ");
+  AppendId(*seen);
+  out_ += " }";
   return true;
 }
 
@@ -103,7 +112,7 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
   TreeTemplates::Root root{object, depth};
   if (const auto* known = context_.trees->byRoot.Find(root)) {
     if (*known && NoneVisited(**known)) {
-      refs_ += RenderTemplate(**known, state_, out_);
+      RenderTemplate(**known, state_, context_.trees->idPlaces, out_);
     } else {
       WriteNode(*object, depth);
     }
@@ -112,9 +121,10 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
   bool freshStart = state_.visited.empty();
   uint32_t base = state_.nodeCounter;
   size_t start = out_.size();
-  int refsBefore = refs_;
+  std::vector<IdPlace>& places = context_.trees->idPlaces;
+  size_t firstPlace = places.size();
   WriteNode(*object, depth);
-  auto made = MakeTemplate(std::string_view(out_).substr(start), base, state_, refs_ - refsBefore);
+  auto made = MakeTemplate(out_, start, std::span(places).subspan(firstPlace), base, state_);
   // From a fresh start a tree that cannot be kept never can be. Further in, a reference to a
   // node written before the tree may be what stopped it, and elsewhere it may be kept.
   if (made || freshStart) *context_.trees->byRoot.TryEmplace(root).first = std::move(made);
@@ -138,8 +148,9 @@ void TreeWriter::WriteNode(const host::MtlBase& node, int depth) {
   bool named = material || object->SuperClassID() == host::TEXMAP_CLASS_ID;
   // Recorded before the children are walked, so a child pointing back is a reference.
   if (handle != 0) *state_.visited.TryEmplace(handle).first = id;
-  Append(out_, indent, "{\n", inner, "\"node_id\": ", std::to_string(id), ",\n", inner,
-         "\"type\": \"");
+  Append(out_, indent, "{\n", inner, "\"node_id\": ");
+  AppendId(id);
+  Append(out_, ",\n", inner, "\"type\": \"");
   AppendEscapedJsonUtf8(out_, NormalizeClassTypeName(className, material));
   Append(out_, "\",\n", inner, "\"name\": \"");
   if (named) AppendEscapedJsonUtf8(out_, object->GetName());
@@ -227,6 +238,10 @@ void TreeWriter::EndChildren(const Children& children, const std::string& inner)
   }
   list += ']';
   out_.insert(children.membersEnd, list);
+  if (context_.trees == nullptr) return;
+  std::vector<IdPlace>& places = context_.trees->idPlaces;
+  for (size_t i = places.size(); i > placesStart_ && places[i - 1].at >= children.membersEnd; --i)
+    places[i - 1].at += list.size();
 }
 
 void TreeWriter::WriteSlots(const host::MtlBase& object, const std::string& inner, int depth,
@@ -310,15 +325,14 @@ void ResetVisitedNodes(NodeTreeState& state) {
   state.visited.clear();
 }
 
-int AppendNodeTree(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
-                   int depth, std::string& out, KeepTemplates keep) {
+void AppendNodeTree(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
+                    int depth, std::string& out, KeepTemplates keep) {
   TreeWriter writer(context, state, out);
   if (keep == KeepTemplates::kBranchesOnly) {
     writer.WriteRootUnkept(object, depth);
   } else {
     writer.Write(object, depth);
   }
-  return writer.refsWritten();
 }
 
 std::u16string WriteNodeTree(const WriteContext& context, NodeTreeState& state,

@@ -23,12 +23,12 @@ void ResetVisitedNodes(NodeTreeState& state);
 
 // The node tree of `object` with its outer indent at 2 x depth blanks, as UTF-8 appended to
 // `out`; "null" for null. Trees are written straight into the package's bytes: a tree rendered
-// again from its template is never held as wide text. Answers how many references it wrote.
+// again from its template is never held as wide text.
 // With kBranchesOnly the template of the tree as a whole is not kept, only those of the trees
 // below its root: for a tree that its caller keeps as part of something larger.
 enum class KeepTemplates { kWholeTree, kBranchesOnly };
-int AppendNodeTree(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
-                   int depth, std::string& out, KeepTemplates keep = KeepTemplates::kWholeTree);
+void AppendNodeTree(const WriteContext& context, NodeTreeState& state, const host::MtlBase* object,
+                    int depth, std::string& out, KeepTemplates keep = KeepTemplates::kWholeTree);
 // The same tree as the core's text (a lone surrogate comes back as U+FFFD, as it is written).
 std::u16string WriteNodeTree(const WriteContext& context, NodeTreeState& state,
                              const host::MtlBase* object, int depth);

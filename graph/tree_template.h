@@ -3,24 +3,26 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "graph/node_tree.h"
 #include "graph/write_context.h"
 
 namespace orvane {
 
-// The template of `text`, just written from counter `base` with `refs` references: every id is
-// found after the writer's own "node_id" and "ref" keys, and the nodes it visited are those
-// whose ids come after `base`. Null unless exactly the ids that were written are found (a member
-// of the same name would add one) and all of them are the text's own (a reference to a node
-// written before it would be one that is not).
-std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view text, uint32_t base,
-                                                 const NodeTreeState& state, int refs);
+// The template of the tree just written into `out` from offset `start`, with the node counter at
+// `base` before it; `places` are the ids written since, in order. Null when one of them is of a
+// node written before the tree: elsewhere the tree would not come out the same.
+std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view out, size_t start,
+                                                 std::span<const IdPlace> places, uint32_t base,
+                                                 const NodeTreeState& state);
 
-// Appends the template's text with its ids counted on from the node counter, and enters its
-// visited nodes as the writing did. Answers how many references it wrote.
-int RenderTemplate(const TreeTemplate& tree, NodeTreeState& state, std::string& out);
+// Appends the template's text with its ids counted on from the node counter, records where they
+// went in `places`, and enters its visited nodes as the writing did.
+void RenderTemplate(const TreeTemplate& tree, NodeTreeState& state, std::vector<IdPlace>& places,
+                    std::string& out);
 
 }  // namespace orvane

@@ -48,7 +48,13 @@ struct TreeTemplate {
   std::vector<std::pair<host::AnimHandle, uint32_t>> visited;
 };
 
-// By root object and depth; null for a tree whose ids could not all be accounted for, which is
+// Where an id went in the text being written: its offset there, and the id.
+struct IdPlace {
+  size_t at = 0;
+  uint32_t id = 0;
+};
+
+// By root object and depth; null for a tree that refers to a node written before it, which is
 // then written afresh every time.
 struct TreeTemplates {
   using Root = std::pair<const host::MtlBase*, int>;
@@ -62,6 +68,9 @@ struct TreeTemplates {
   // Whole material records, for the same reason: every object that shares a material renders
   // its record in one piece.
   FlatMap<const host::Mtl*, std::unique_ptr<const TreeTemplate>> byMaterial;
+  // Every id written since the record began, in the order written, so that a template is made
+  // without searching its text for them.
+  std::vector<IdPlace> idPlaces;
 };
 
 struct WriteContext {

@@ -16,22 +16,20 @@ bool IsMultiMaterial(const host::Mtl& material) {
 
 namespace {
 
-int WriteSlotRecord(const WriteContext& context, NodeTreeState& state, const host::Mtl* sub,
-                    int index, std::string& out) {
+void WriteSlotRecord(const WriteContext& context, NodeTreeState& state, const host::Mtl* sub,
+                     int index, std::string& out) {
   ResetVisitedNodes(state);
   std::u16string name = sub != nullptr ? sub->GetName() : std::u16string();
   out += "      {\n        \"material_id\": " + std::to_string(index + 1) +
          ",\n        \"material_name\": \"";
   AppendUtf8(out, EscapeJsonString(name));
   out += "\",\n        \"node_tree\": ";
-  int refs = AppendNodeTree(context, state, sub, 3, out);
+  AppendNodeTree(context, state, sub, 3, out);
   out += "\n      }";
-  return refs;
 }
 
-// Answers how many references the record's trees wrote.
-int WriteMaterialRecord(const WriteContext& context, NodeTreeState& state,
-                        const host::Mtl& material, std::string& out) {
+void WriteMaterialRecord(const WriteContext& context, NodeTreeState& state,
+                         const host::Mtl& material, std::string& out) {
   if (!IsMultiMaterial(material)) {
     std::u16string type = NormalizeClassTypeName(material.GetClassName(), true);
     std::u16string name = material.GetName();
@@ -44,20 +42,19 @@ int WriteMaterialRecord(const WriteContext& context, NodeTreeState& state,
     // The material's tree is kept only as part of its record's template: no other record
     // holds the same material at this depth, so a template of the tree alone would only
     // double the memory.
-    int refs = AppendNodeTree(context, state, &material, 2, out, KeepTemplates::kBranchesOnly);
+    AppendNodeTree(context, state, &material, 2, out, KeepTemplates::kBranchesOnly);
     out += "\n    }";
-    return refs;
+    return;
   }
   out += "{\n      \"type\": \"Multimaterial\",\n      \"name\": \"";
   AppendUtf8(out, EscapeJsonString(material.GetName()));
   out += "\",\n      \"sub_materials\": [\n";
-  int slots = material.NumSubMtls(), refs = 0;
+  int slots = material.NumSubMtls();
   for (int i = 0; i < slots; ++i) {
-    refs += WriteSlotRecord(context, state, material.GetSubMtl(i), i, out);
+    WriteSlotRecord(context, state, material.GetSubMtl(i), i, out);
     out += i + 1 < slots ? ",\n" : "\n";
   }
   out += "      ]\n    }";
-  return refs;
 }
 
 }  // namespace
@@ -73,12 +70,13 @@ void AppendMaterialRecord(const WriteContext& context, NodeTreeState& state,
     WriteMaterialRecord(context, state, *material, out);
     return;
   }
+  context.trees->idPlaces.clear();  // the places of earlier records are of no use any more
   // Every tree of a record starts from an empty visited list, so the record, like a tree,
   // depends only on the scene and on where the node counter stands.
   if (const auto* known = context.trees->byMaterial.Find(material)) {
     if (*known) {
       ResetVisitedNodes(state);
-      RenderTemplate(**known, state, out);
+      RenderTemplate(**known, state, context.trees->idPlaces, out);
     } else {
       WriteMaterialRecord(context, state, *material, out);
     }
@@ -87,9 +85,9 @@ void AppendMaterialRecord(const WriteContext& context, NodeTreeState& state,
   uint32_t base = state.nodeCounter;
   size_t start = out.size();
   ResetVisitedNodes(state);
-  int refs = WriteMaterialRecord(context, state, *material, out);
+  WriteMaterialRecord(context, state, *material, out);
   *context.trees->byMaterial.TryEmplace(material).first =
-      MakeTemplate(std::string_view(out).substr(start), base, state, refs);
+      MakeTemplate(out, start, context.trees->idPlaces, base, state);
 }
 
 }  // namespace orvane

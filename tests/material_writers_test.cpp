@@ -278,7 +278,8 @@ TEST(NodeTree, IdsKeepRisingAcrossTreesAndResets) {
 // the visited nodes included, whichever trees came between, and whether or not nodes were
 // visited before (a branch kept from one tree is used in another only where none of its nodes
 // was written yet). Non-ASCII names put the ids at byte offsets that differ from their places in
-// the wide text.
+// the wide text; a slot found switched off is listed ahead of the children, after their ids were
+// written.
 TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
   auto loaded = host::memory::LoadSceneText(R"({"format": "orvane-scene/1",
     "materials": [
@@ -290,7 +291,11 @@ TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
       {"id": "c", "class": "VRayMtl", "name": "C", "slots": [{"name": "texmap_diffuse", "map": "leaf"}]},
       {"id": "d", "class": "VRayMtl", "name": "D", "slots": [{"name": "texmap_diffuse", "map": "grain"},
                                                           {"name": "texmap_bump", "map": "leaf"}]},
-      {"id": "e", "class": "VRayMtl", "name": "E", "slots": [{"name": "texmap_bump", "map": "leaf"}]}],
+      {"id": "e", "class": "VRayMtl", "name": "E", "slots": [{"name": "texmap_bump", "map": "leaf"}]},
+      {"id": "f", "class": "VRayMtl", "name": "F",
+       "params": [[{"name": "texmap_bump", "type": "texmap", "value": "grain"},
+                   {"name": "texmapOn_bump", "type": "bool", "value": false}]],
+       "slots": [{"name": "Bump", "map": "grain"}, {"name": "Diffuse", "map": "leaf"}]}],
     "maps": [{"id": "loop", "class": "Mix", "name": "Schleife 🏠", "slots": [{"name": "map1", "map": "loop"}]},
              {"id": "leaf", "class": "Mix", "name": "Leaf", "slots": [{"name": "map1", "map": "grain"}]},
              {"id": "grain", "class": "Noise", "name": "Grain"}]})",
@@ -305,7 +310,7 @@ TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
   } order[] = {{"multi", 2, true}, {"a", 3, true}, {"multi", 2, true}, {"b", 2, true},
                {"a", 3, false},    {"b", 2, true}, {"multi", 3, true}, {"a", 3, true},
                {"c", 2, true},     {"d", 2, true}, {"e", 2, false},    {"c", 2, false},
-               {"d", 2, true}};
+               {"d", 2, true},     {"f", 2, true}, {"f", 2, true}};
   TreeTemplates templates;
   WriteContext cached{scene, 0, nullptr, nullptr, &templates};
   WriteContext afresh{scene, 0};

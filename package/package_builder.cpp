@@ -26,17 +26,17 @@ using Log = std::vector<std::u16string>;
 // The package goes to its file a block at a time as it is produced. Held whole, it would be
 // hundreds of megabytes of fresh memory, and on a virtual machine first touching fresh memory
 // costs more than writing the file; one block, written again and again, stays in the cache.
+// Records are written straight into the block and handed on only whole, so that a record can
+// still be rewritten while it is being written.
 class BlockWriter {
  public:
-  explicit BlockWriter(host::ByteSink& sink) : sink_(sink) { block_.reserve(kBlockBytes); }
+  explicit BlockWriter(host::ByteSink& sink) : sink_(sink) { block_.reserve(2 * kBlockBytes); }
 
-  void Append(std::string_view text) {
-    if (block_.size() + text.size() > kBlockBytes) Flush();
-    if (text.size() >= kBlockBytes) {
-      sink_.Write(text);
-    } else {
-      block_ += text;
-    }
+  std::string& text() { return block_; }
+
+  // Hands the block on once it holds enough; called between records.
+  void EndRecord() {
+    if (block_.size() >= kBlockBytes) Flush();
   }
 
   void Flush() {
@@ -124,45 +124,64 @@ std::u16string MaterialIds(const WriteContext& context, host::INode& node) {
   return text + u"]";
 }
 
-// One object's record appended to `objects`. `material` is scratch space, kept from record to
-// record so that its capacity is reused.
+// The members of an object record ahead of its errors and material.
+struct RecordHead {
+  std::u16string name, className, materialIds, displacement;
+};
+
+void AppendRecordHead(const RecordHead& head, const std::vector<std::u16string>& errors,
+                      std::string& out) {
+  out += "  {\n    \"object_name\": \"";
+  AppendEscapedJsonUtf8(out, head.name);
+  out += "\",\n    \"object_class\": \"";
+  AppendEscapedJsonUtf8(out, head.className);
+  out += "\",\n    \"layer\": \"\",\n    \"material_ids\": ";
+  AppendUtf8(out, head.materialIds);
+  out += ",\n    \"displacement_mod\": ";
+  AppendUtf8(out, head.displacement);
+  out += ",\n    \"errors\": [";
+  for (size_t i = 0; i < errors.size(); ++i) {
+    if (i > 0) out += ',';
+    out += '"';
+    AppendEscapedJsonUtf8(out, errors[i]);
+    out += '"';
+  }
+  out += "],\n    \"material\": ";
+}
+
+// One object's record appended to `out`. The material, by far the largest member, is written in
+// place; the members ahead of it are read first, which changes nothing since reading a
+// material's trees does not change the object.
 void AppendObjectRecord(const WriteContext& context, NodeTreeState& state, host::INode& node,
-                        Log& log, std::string& material, BlockWriter& objects) {
-  std::u16string ids = MaterialIds(context, node);
+                        Log& log, std::string& out) {
+  RecordHead head;
+  head.materialIds = MaterialIds(context, node);
+  head.name = node.GetName();
+  head.displacement = BuildDisplacementRecord(context, &node);
+  host::Object* evaluated = node.EvalWorldState(context.time);
+  if (evaluated != nullptr) head.className = evaluated->GetClassName();
   std::vector<std::u16string> errors;
-  material.clear();
+  size_t recordStart = out.size();
+  AppendRecordHead(head, errors, out);
+  size_t materialStart = out.size();
   try {
-    AppendMaterialRecord(context, state, node.GetMtl(), errors, material);
+    AppendMaterialRecord(context, state, node.GetMtl(), errors, out);
   } catch (...) {
     // One broken material must not cost the user the whole package.
-    material = "null";
+    out.resize(materialStart);
+    out += "null";
     errors.push_back(u"buildMaterialJson exception");
   }
-  std::u16string name = node.GetName();
-  std::u16string errorList = u"[";
-  for (size_t i = 0; i < errors.size(); ++i) {
-    if (i > 0) errorList += u',';
-    errorList += u"\"" + EscapeJsonString(errors[i]) + u"\"";
-    log.push_back(u"[" + name + u"] " + errors[i]);
+  if (!errors.empty()) {
+    // Rare: the errors go ahead of the material, so the record is written again around it.
+    std::string material = out.substr(materialStart);
+    out.resize(recordStart);
+    AppendRecordHead(head, errors, out);
+    out += material;
+    for (const std::u16string& error : errors)
+      log.push_back(u"[" + head.name + u"] " + error);
   }
-  errorList += u"]";
-  std::u16string displacement = BuildDisplacementRecord(context, &node);
-  host::Object* evaluated = node.EvalWorldState(context.time);
-  std::u16string className = evaluated != nullptr ? evaluated->GetClassName() : std::u16string();
-  std::string head = "  {\n    \"object_name\": \"";
-  AppendEscapedJsonUtf8(head, name);
-  head += "\",\n    \"object_class\": \"";
-  AppendEscapedJsonUtf8(head, className);
-  head += "\",\n    \"layer\": \"\",\n    \"material_ids\": ";
-  AppendUtf8(head, ids);
-  head += ",\n    \"displacement_mod\": ";
-  AppendUtf8(head, displacement);
-  head += ",\n    \"errors\": ";
-  AppendUtf8(head, errorList);
-  head += ",\n    \"material\": ";
-  objects.Append(head);
-  objects.Append(material);
-  objects.Append("\n  }");
+  out += "\n  }";
 }
 
 std::u16string Header(const ColorSettings& color, double unitScale,
@@ -220,16 +239,18 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
   // text, and no record is built twice.
   bool written = files.WriteStreamed(documentPath, [&](host::ByteSink& sink) {
     BlockWriter out(sink);
-    out.Append(ToUtf8(Header(color, unitScale, displacement, objectCount)));
-    std::string material;
+    AppendUtf8(out.text(), Header(color, unitScale, displacement, objectCount));
     for (size_t i = 0; i < geometry.size(); ++i) {
-      AppendObjectRecord(context, state, *geometry[i], log, material, out);
-      out.Append(i + 1 < geometry.size() ? ",\n" : "\n");
+      AppendObjectRecord(context, state, *geometry[i], log, out.text());
+      out.text() += i + 1 < geometry.size() ? ",\n" : "\n";
+      out.EndRecord();
     }
     std::u16string sections = CollectLightsJson(context, files, log);
     sections += CollectCamerasJson(context, log);
     sections += WriteEnvironmentJson(context, state, log);
-    out.Append("  ]" + ToUtf8(sections) + "\n}");
+    out.text() += "  ]";
+    AppendUtf8(out.text(), sections);
+    out.text() += "\n}";
     out.Flush();
   });
   BuildResult result;

@@ -110,9 +110,9 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
     return;
   }
   TreeTemplates::Root root{object, depth};
-  if (const auto* known = context_.trees->byRoot.Find(root)) {
-    if (*known && NoneVisited(**known)) {
-      RenderTemplate(**known, state_, context_.trees->idPlaces, out_);
+  if (const TreeTemplate* known = context_.trees->byRoot.Find(root)) {
+    if (known->kept() && NoneVisited(*known)) {
+      RenderTemplate(*known, state_, context_.trees->idPlaces, out_);
     } else {
       WriteNode(*object, depth);
     }
@@ -124,17 +124,19 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
   std::vector<IdPlace>& places = context_.trees->idPlaces;
   size_t firstPlace = places.size();
   WriteNode(*object, depth);
-  auto made = MakeTemplate(out_, start, std::span(places).subspan(firstPlace), base, state_);
+  TreeTemplate made =
+      MakeTemplate(out_, start, std::span(places).subspan(firstPlace), base, state_);
   // From a fresh start a tree that cannot be kept never can be. Further in, a reference to a
   // node written before the tree may be what stopped it, and elsewhere it may be kept.
-  if (made || freshStart) *context_.trees->byRoot.TryEmplace(root).first = std::move(made);
+  if (made.kept() || freshStart) *context_.trees->byRoot.TryEmplace(root).first = std::move(made);
 }
 
 // Whether none of the template's nodes has been written yet, so that the tree comes out as it did
 // from a fresh start: no reference to a node written before it.
 bool TreeWriter::NoneVisited(const TreeTemplate& tree) const {
-  return std::none_of(tree.visited.begin(), tree.visited.end(),
-                      [&](const auto& node) { return state_.visited.Find(node.first) != nullptr; });
+  return std::none_of(tree.visited().begin(), tree.visited().end(), [&](const auto& node) {
+    return state_.visited.Find(node.handle) != nullptr;
+  });
 }
 
 void TreeWriter::WriteNode(const host::MtlBase& node, int depth) {

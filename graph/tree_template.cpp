@@ -28,41 +28,56 @@ size_t DecimalDigits(uint32_t value) {
 
 }  // namespace
 
-std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view out, size_t start,
-                                                 std::span<const IdPlace> places, uint32_t base,
-                                                 const NodeTreeState& state) {
-  auto made = std::make_unique<TreeTemplate>();
-  made->idCount = state.nodeCounter - base;
-  made->ids.reserve(places.size());
-  made->text.reserve(out.size() - start);
+TreeTemplate::TreeTemplate(uint32_t idCount, size_t visits, size_t ids, size_t textBytes)
+    : block_(new std::byte[visits * sizeof(Visit) + ids * sizeof(Id) + textBytes]),
+      idCount_(idCount),
+      visits_(static_cast<uint32_t>(visits)),
+      ids_(static_cast<uint32_t>(ids)),
+      textBytes_(static_cast<uint32_t>(textBytes)) {}
+
+TreeTemplate MakeTemplate(std::string_view out, size_t start, std::span<const IdPlace> places,
+                          uint32_t base, const NodeTreeState& state) {
+  size_t digits = 0;
+  for (const IdPlace& place : places) {
+    if (place.id <= base) return {};
+    digits += DecimalDigits(place.id);
+  }
+  size_t visits = 0;
+  state.visited.ForEach([&](host::AnimHandle, uint32_t id) { visits += id > base ? 1 : 0; });
+  TreeTemplate made(state.nodeCounter - base, visits, places.size(), out.size() - start - digits);
+  std::span<TreeTemplate::Visit> visited = made.visited();
+  auto visit = visited.begin();
+  state.visited.ForEach([&](host::AnimHandle handle, uint32_t id) {
+    if (id > base) *visit++ = {handle, id - base};
+  });
+  std::span<char> text = made.text();
+  auto end = text.begin();
+  auto id = made.ids().begin();
   size_t copied = start;
   for (const IdPlace& place : places) {
-    if (place.id <= base) return nullptr;
-    made->text.append(out, copied, place.at - copied);
-    made->ids.push_back({made->text.size(), place.id - base});
+    end = std::copy(out.begin() + copied, out.begin() + place.at, end);
+    *id++ = {static_cast<uint32_t>(end - text.begin()), place.id - base};
     copied = place.at + DecimalDigits(place.id);
   }
-  made->text.append(out, copied);
-  state.visited.ForEach([&](host::AnimHandle handle, uint32_t id) {
-    if (id > base) made->visited.emplace_back(handle, id - base);
-  });
+  std::copy(out.begin() + copied, out.end(), end);
   return made;
 }
 
 void RenderTemplate(const TreeTemplate& tree, NodeTreeState& state, std::vector<IdPlace>& places,
                     std::string& out) {
   uint32_t base = state.nodeCounter;
-  out.reserve(out.size() + tree.text.size() + 10 * tree.ids.size());
+  std::string_view text = tree.text();
+  out.reserve(out.size() + text.size() + 10 * tree.ids().size());
   size_t copied = 0;
-  for (const TreeTemplate::Id& id : tree.ids) {
-    out.append(tree.text, copied, id.at - copied);
+  for (const TreeTemplate::Id& id : tree.ids()) {
+    out.append(text, copied, id.at - copied);
     places.push_back({out.size(), base + id.offset});
     AppendDecimal(out, base + id.offset);
     copied = id.at;
   }
-  out.append(tree.text, copied);
-  state.nodeCounter += tree.idCount;
-  for (const auto& [handle, offset] : tree.visited) {
+  out.append(text, copied);
+  state.nodeCounter += tree.idCount();
+  for (const auto& [handle, offset] : tree.visited()) {
     auto [entry, inserted] = state.visited.TryEmplace(handle);
     if (inserted) *entry = base + offset;
   }

@@ -2,7 +2,6 @@
 // shifted to where the node counter stands.
 #pragma once
 
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,12 +15,11 @@ namespace orvane {
 // The template of the tree just written into `out` from offset `start`, with the node counter at
 // `base` before it; `places` are the ids written since, in order. Null when one of them is of a
 // node written before the tree: elsewhere the tree would not come out the same.
-std::unique_ptr<const TreeTemplate> MakeTemplate(std::string_view out, size_t start,
-                                                 std::span<const IdPlace> places, uint32_t base,
-                                                 const NodeTreeState& state);
+TreeTemplate MakeTemplate(std::string_view out, size_t start, std::span<const IdPlace> places,
+                          uint32_t base, const NodeTreeState& state);
 
-// Appends the template's text with its ids counted on from the node counter, records where they
-// went in `places`, and enters its visited nodes as the writing did.
+// Appends the kept template's text with its ids counted on from the node counter, records where
+// they went in `places`, and enters its visited nodes as the writing did.
 void RenderTemplate(const TreeTemplate& tree, NodeTreeState& state, std::vector<IdPlace>& places,
                     std::string& out);
 

@@ -1,9 +1,12 @@
 // What every parameter writer needs from the scene besides the object it writes.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -36,16 +39,44 @@ struct ParamFragments {
 // A whole tree written from a fresh start (no node visited yet) depends only on the scene and on
 // where the node counter stood, so within a build each tree is written once: later uses shift
 // its ids. `text` is the tree without its ids; each id is kept with the place it goes, and each
-// id and visited node as its distance from the counter before the tree.
-struct TreeTemplate {
-  struct Id {
-    size_t at = 0;
+// id and visited node as its distance from the counter before the tree. The nodes, the ids and
+// the text lie in one block, in the order a use reads them: templates are many and each is used
+// now and then, so every separate piece would be a separate wait for memory.
+class TreeTemplate {
+ public:
+  struct Visit {
+    host::AnimHandle handle = 0;
     uint32_t offset = 0;
   };
-  std::string text;  // UTF-8, as the package carries it
-  std::vector<Id> ids;
-  uint32_t idCount = 0;
-  std::vector<std::pair<host::AnimHandle, uint32_t>> visited;
+  struct Id {
+    uint32_t at = 0;
+    uint32_t offset = 0;
+  };
+
+  // A template that was not kept.
+  TreeTemplate() = default;
+  TreeTemplate(uint32_t idCount, size_t visits, size_t ids, size_t textBytes);
+
+  bool kept() const { return block_ != nullptr; }
+  uint32_t idCount() const { return idCount_; }
+  std::span<const Visit> visited() const { return {VisitsStart(), visits_}; }
+  std::span<const Id> ids() const { return {IdsStart(), ids_}; }
+  std::string_view text() const { return {TextStart(), textBytes_}; }
+
+  // Filled once, by the template's maker.
+  std::span<Visit> visited() { return {VisitsStart(), visits_}; }
+  std::span<Id> ids() { return {IdsStart(), ids_}; }
+  std::span<char> text() { return {TextStart(), textBytes_}; }
+
+ private:
+  // The block holds the visited nodes, then the ids, then the text; new std::byte[] is aligned
+  // for any of them.
+  Visit* VisitsStart() const { return reinterpret_cast<Visit*>(block_.get()); }
+  Id* IdsStart() const { return reinterpret_cast<Id*>(VisitsStart() + visits_); }
+  char* TextStart() const { return reinterpret_cast<char*>(IdsStart() + ids_); }
+
+  std::unique_ptr<std::byte[]> block_;
+  uint32_t idCount_ = 0, visits_ = 0, ids_ = 0, textBytes_ = 0;
 };
 
 // Where an id went in the text being written: its offset there, and the id.
@@ -54,8 +85,8 @@ struct IdPlace {
   uint32_t id = 0;
 };
 
-// By root object and depth; null for a tree that refers to a node written before it, which is
-// then written afresh every time.
+// By root object and depth; not kept for a tree that refers to a node written before it, which
+// is then written afresh every time.
 struct TreeTemplates {
   using Root = std::pair<const host::MtlBase*, int>;
   struct RootBits {
@@ -63,11 +94,10 @@ struct TreeTemplates {
       return reinterpret_cast<uintptr_t>(root.first) ^ static_cast<uint64_t>(root.second);
     }
   };
-  // The templates are held apart so that a slot stays small.
-  FlatMap<Root, std::unique_ptr<const TreeTemplate>, RootBits> byRoot;
+  FlatMap<Root, TreeTemplate, RootBits> byRoot;
   // Whole material records, for the same reason: every object that shares a material renders
   // its record in one piece.
-  FlatMap<const host::Mtl*, std::unique_ptr<const TreeTemplate>> byMaterial;
+  FlatMap<const host::Mtl*, TreeTemplate> byMaterial;
   // Every id written since the record began, in the order written, so that a template is made
   // without searching its text for them.
   std::vector<IdPlace> idPlaces;

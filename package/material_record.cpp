@@ -73,10 +73,10 @@ void AppendMaterialRecord(const WriteContext& context, NodeTreeState& state,
   context.trees->idPlaces.clear();  // the places of earlier records are of no use any more
   // Every tree of a record starts from an empty visited list, so the record, like a tree,
   // depends only on the scene and on where the node counter stands.
-  if (const auto* known = context.trees->byMaterial.Find(material)) {
-    if (*known) {
+  if (const TreeTemplate* known = context.trees->byMaterial.Find(material)) {
+    if (known->kept()) {
       ResetVisitedNodes(state);
-      RenderTemplate(**known, state, context.trees->idPlaces, out);
+      RenderTemplate(*known, state, context.trees->idPlaces, out);
     } else {
       WriteMaterialRecord(context, state, *material, out);
     }

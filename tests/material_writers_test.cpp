@@ -328,7 +328,7 @@ TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
   }
   for (auto [root, depth] : {std::pair{"multi", 2}, std::pair{"leaf", 3}}) {
     ASSERT_NE(templates.byRoot.Find({object(root), depth}), nullptr) << root;
-    EXPECT_NE(*templates.byRoot.Find({object(root), depth}), nullptr) << root;
+    EXPECT_TRUE(templates.byRoot.Find({object(root), depth})->kept()) << root;
   }
 }
 
@@ -361,7 +361,7 @@ TEST(NodeTree, ARecordWrittenFromItsTemplateEqualsOneWrittenAfresh) {
     EXPECT_EQ(cachedState.visited, afreshState.visited) << id;
   }
   ASSERT_NE(templates.byMaterial.Find(material("multi")), nullptr);
-  EXPECT_NE(*templates.byMaterial.Find(material("multi")), nullptr);
+  EXPECT_TRUE(templates.byMaterial.Find(material("multi"))->kept());
 }
 
 // A map with handle 77 whose probes the scene answers with `reply`.

@@ -52,14 +52,14 @@ class FlatMap {
     return {&slot.value, true};
   }
 
-  // Removes the key if it is there. Later entries of its run move back into the hole unless
-  // their home lies after it, so every entry stays reachable from its home without marks for
-  // removed ones.
-  void Erase(const Key& key) {
-    if (slots_.empty()) return;
+  // Removes the key if it is there, and says whether it was. Later entries of its run move back
+  // into the hole unless their home lies after it, so every entry stays reachable from its home
+  // without marks for removed ones.
+  bool Erase(const Key& key) {
+    if (slots_.empty()) return false;
     size_t mask = slots_.size() - 1;
     size_t hole = SlotIndex(key);
-    if (slots_[hole].key == Key{}) return;
+    if (slots_[hole].key == Key{}) return false;
     for (size_t next = (hole + 1) & mask; !(slots_[next].key == Key{}); next = (next + 1) & mask) {
       size_t home = HomeOf(slots_[next].key);
       bool homeAfterHole =
@@ -70,6 +70,7 @@ class FlatMap {
     }
     slots_[hole] = Slot{};
     --size_;
+    return true;
   }
 
   // Room for `count` keys without growing on the way.

@@ -240,6 +240,7 @@ ScriptResult MemScene::ExecuteMAXScriptScript(std::u16string_view script, bool q
 
 Animatable* MemScene::GetAnimByHandle(AnimHandle handle) {
   Animatable* const* found = byHandle_.Find(handle);
+  if (found == nullptr) found = convertedByHandle_.Find(handle);
   return found != nullptr ? *found : nullptr;
 }
 
@@ -379,6 +380,7 @@ void MemScene::AssignMissingHandles() {
 
 void MemScene::IndexHandles() {
   byHandle_.clear();
+  convertedByHandle_.clear();  // converted meshes are among the objects indexed below
   byHandle_.Reserve(nodes_.size() + objects_.size() + derivedObjects_.size() + modifiers_.size() +
                     materials_.size() + maps_.size());
   auto index = [&](AnimatableData& data, Animatable& animatable) {
@@ -430,7 +432,7 @@ MemObject& MemScene::AddConvertedObject(const MemObject& from) {
   converted.mesh = from.mesh;
   converted.isTriObject = true;
   converted.data.handle = nextFreeHandle_++;
-  *byHandle_.TryEmplace(converted.data.handle).first = &converted;
+  *convertedByHandle_.TryEmplace(converted.data.handle).first = &converted;
   return converted;
 }
 
@@ -439,7 +441,7 @@ void MemScene::DeleteObject(const MemObject& object) {
   auto found = std::find_if(objects_.rbegin(), objects_.rend(),
                             [&](const auto& item) { return item.get() == &object; });
   if (found == objects_.rend()) return;
-  byHandle_.Erase(object.data.handle);
+  if (!convertedByHandle_.Erase(object.data.handle)) byHandle_.Erase(object.data.handle);
   if (convertedIdsInFile_ || !object.data.id.starts_with(kConvertedIdPrefix)) {
     byId_.Erase(object.data.id, &object);
   }

@@ -406,7 +406,10 @@ class MemScene final : public Interface, public IFileResolutionManager {
   // Registers the handles given so far for GetAnimByHandle.
   void IndexHandles();
   // What the host does when the user deletes an animatable: its handle finds nothing any more.
-  void ForgetHandle(AnimHandle handle) { byHandle_.Erase(handle); }
+  void ForgetHandle(AnimHandle handle) {
+    byHandle_.Erase(handle);
+    convertedByHandle_.Erase(handle);
+  }
 
   // --- What the core did ---
   std::vector<Rename> renames;
@@ -440,6 +443,10 @@ class MemScene final : public Interface, public IFileResolutionManager {
   MemNode* root_ = nullptr;
   IdTable byId_;
   FlatMap<AnimHandle, Animatable*> byHandle_;
+  // Meshes converted since the load. Most are read and deleted at once, one per object record,
+  // so they are kept apart in a table that stays small: entering each in the large one would cost
+  // a wait for memory twice per record.
+  FlatMap<AnimHandle, Animatable*> convertedByHandle_;
   int convertedCount_ = 0;
   // Whether a scene-file id looks like a converted object's; only then can a converted object's
   // id be taken already. A build converts a mesh per object record, and looking each new id up

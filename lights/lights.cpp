@@ -76,10 +76,11 @@ LightKind ClassifyLight(host::INode& node, host::TimeValue t) {
                          LightKind::kVRaySun, LightKind::kVRayIES}) {
     if (className == LightLabel(kind)) return kind;
   }
-  // Photometric lights only with a web file: other host lights are not exported.
+  // Photometric lights only with a web file: other host lights are not exported. Every node of
+  // the scene comes here, so the parameters of the rest are not searched.
+  if (object->SuperClassID() != host::LIGHT_CLASS_ID) return LightKind::kNone;
   ParamValue webFile = FindParamValue(object, u"webfile", t);
-  if (object->SuperClassID() == host::LIGHT_CLASS_ID && webFile.kind == ParamKind::kString &&
-      !webFile.text.empty()) {
+  if (webFile.kind == ParamKind::kString && !webFile.text.empty()) {
     return LightKind::kPhotometricLight;
   }
   return LightKind::kNone;

@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/prefetch.h"
+
 namespace orvane {
 
 // The bits a key is hashed from: the key itself for integers and pointers.
@@ -39,6 +41,11 @@ class FlatMap {
     return slot.key == Key{} ? nullptr : &slot.value;
   }
   const Value* Find(const Key& key) const { return const_cast<FlatMap*>(this)->Find(key); }
+
+  // Asks for the key's home slot to be brought near, for a Find a little later.
+  void PrefetchSlot(const Key& key) const {
+    if (!slots_.empty()) Prefetch(&slots_[HomeOf(key)]);
+  }
 
   // The key's value, value-initialised and true when it was not there. The pointer stays valid
   // until the next insertion.

@@ -50,6 +50,36 @@ class BlockWriter {
   std::string block_;
 };
 
+// Most records render their material from a template, and on a large scene the node, the
+// template's slot and the template lie far apart in memory. Each is asked for a few records
+// ahead, one step after the other, so that the waits overlap with writing the records before.
+class RecordPrefetcher {
+ public:
+  RecordPrefetcher(const std::vector<host::INode*>& geometry, const TreeTemplates& trees)
+      : geometry_(geometry), trees_(trees) {
+    if (geometry_.size() > 1) materials_[1] = geometry_[1]->GetMtl();
+  }
+
+  // Called before record `i` is written.
+  void Before(size_t i) {
+    size_t count = geometry_.size();
+    if (i + 3 < count) Prefetch(geometry_[i + 3]);
+    if (i + 2 < count) {
+      materials_[i % 2] = geometry_[i + 2]->GetMtl();
+      trees_.byMaterial.PrefetchSlot(materials_[i % 2]);
+    }
+    if (i + 1 < count) {
+      const TreeTemplate* next = trees_.byMaterial.Find(materials_[(i + 1) % 2]);
+      if (next != nullptr && next->kept()) next->PrefetchStart();
+    }
+  }
+
+ private:
+  const std::vector<host::INode*>& geometry_;
+  const TreeTemplates& trees_;
+  const host::Mtl* materials_[2] = {};  // of records i + 1 and i + 2
+};
+
 std::vector<host::INode*> GeometryWithMaterials(const WriteContext& context) {
   std::vector<host::INode*> geometry;
   for (host::INode* node : ListSceneNodes(context.scene)) {
@@ -240,7 +270,9 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
   bool written = files.WriteStreamed(documentPath, [&](host::ByteSink& sink) {
     BlockWriter out(sink);
     AppendUtf8(out.text(), Header(color, unitScale, displacement, objectCount));
+    RecordPrefetcher prefetcher(geometry, *context.trees);
     for (size_t i = 0; i < geometry.size(); ++i) {
+      prefetcher.Before(i);
       AppendObjectRecord(context, state, *geometry[i], log, out.text());
       out.text() += i + 1 < geometry.size() ? ",\n" : "\n";
       out.EndRecord();

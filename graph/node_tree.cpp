@@ -71,7 +71,7 @@ class TreeWriter {
   NodeTreeState& state_;
   std::string& out_;
   size_t placesStart_;  // the first id place of this writer's text
-  std::vector<std::string> uncachedParams_;
+  ParamMembers uncachedParams_;
 };
 
 // Every id goes through here, so that a template finds its ids without searching its text.
@@ -183,28 +183,31 @@ void TreeWriter::WriteNode(const host::MtlBase& node, int depth) {
 }
 
 void TreeWriter::WriteParams(const host::MtlBase& object, const std::string& inner) {
-  const std::vector<std::string>* fragments = nullptr;
+  const ParamMembers* members = nullptr;
   if (context_.params != nullptr) {
-    fragments = context_.params->byObject.Find(&object);
+    members = context_.params->byObject.Find(&object);
   }
-  if (fragments == nullptr) {
+  if (members == nullptr) {
     FragmentList own = WriteParamsForClass(context_, object);
     AppendOutputProbe(own, context_, object);
-    std::vector<std::string> utf8;
-    utf8.reserve(own.size());
-    for (const std::u16string& fragment : own)
-      utf8.push_back(ToUtf8(fragment));
-    if (context_.params != nullptr) {
-      std::vector<std::string>* cached = context_.params->byObject.TryEmplace(&object).first;
-      *cached = std::move(utf8);
-      fragments = cached;
-    } else {
-      uncachedParams_ = std::move(utf8);
-      fragments = &uncachedParams_;
+    ParamMembers written;
+    written.ends.reserve(own.size());
+    for (const std::u16string& fragment : own) {
+      AppendUtf8(written.text, fragment);
+      written.ends.push_back(static_cast<uint32_t>(written.text.size()));
     }
+    ParamMembers& kept = context_.params != nullptr
+                             ? *context_.params->byObject.TryEmplace(&object).first
+                             : uncachedParams_;
+    kept = std::move(written);
+    members = &kept;
   }
-  for (const std::string& fragment : *fragments)
-    Append(out_, ",\n", inner, fragment);
+  std::string_view text = members->text;
+  uint32_t start = 0;
+  for (uint32_t end : members->ends) {
+    Append(out_, ",\n", inner, text.substr(start, end - start));
+    start = end;
+  }
 }
 
 void TreeWriter::WriteMultiTexture(const host::MtlBase& map, const std::string& inner, int depth) {

@@ -31,11 +31,18 @@ struct ProbeReplies {
   int runs = 0;  // scripts actually run
 };
 
+// The parameter members of one material or map as UTF-8: their texts one after the other, and
+// where each ends. One text rather than one per member, since a use reads them all.
+struct ParamMembers {
+  std::string text;
+  std::vector<uint32_t> ends;
+};
+
 // The parameter members of each material and map (its class's parameters and output probe), by
-// object, as UTF-8. For the same reason they are written once per build; node ids and
-// references, which depend on the tree, are not part of them.
+// object. For the same reason they are written once per build; node ids and references, which
+// depend on the tree, are not part of them.
 struct ParamFragments {
-  FlatMap<const host::MtlBase*, std::vector<std::string>> byObject;
+  FlatMap<const host::MtlBase*, ParamMembers> byObject;
 };
 
 // A whole tree written from a fresh start (no node visited yet) depends only on the scene and on

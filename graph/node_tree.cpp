@@ -112,7 +112,7 @@ void TreeWriter::Write(const host::MtlBase* object, int depth) {
   TreeTemplates::Root root{object, depth};
   if (const TreeTemplate* known = context_.trees->byRoot.Find(root)) {
     if (known->kept() && NoneVisited(*known)) {
-      RenderTemplate(*known, state_, context_.trees->idPlaces, out_);
+      RenderTemplate(*known, state_, &context_.trees->idPlaces, out_);
     } else {
       WriteNode(*object, depth);
     }

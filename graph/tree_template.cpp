@@ -63,7 +63,7 @@ TreeTemplate MakeTemplate(std::string_view out, size_t start, std::span<const Id
   return made;
 }
 
-void RenderTemplate(const TreeTemplate& tree, NodeTreeState& state, std::vector<IdPlace>& places,
+void RenderTemplate(const TreeTemplate& tree, NodeTreeState& state, std::vector<IdPlace>* places,
                     std::string& out) {
   uint32_t base = state.nodeCounter;
   std::string_view text = tree.text();
@@ -71,7 +71,7 @@ void RenderTemplate(const TreeTemplate& tree, NodeTreeState& state, std::vector<
   size_t copied = 0;
   for (const TreeTemplate::Id& id : tree.ids()) {
     out.append(text, copied, id.at - copied);
-    places.push_back({out.size(), base + id.offset});
+    if (places != nullptr) places->push_back({out.size(), base + id.offset});
     AppendDecimal(out, base + id.offset);
     copied = id.at;
   }

@@ -19,8 +19,9 @@ TreeTemplate MakeTemplate(std::string_view out, size_t start, std::span<const Id
                           uint32_t base, const NodeTreeState& state);
 
 // Appends the kept template's text with its ids counted on from the node counter, records where
-// they went in `places`, and enters its visited nodes as the writing did.
-void RenderTemplate(const TreeTemplate& tree, NodeTreeState& state, std::vector<IdPlace>& places,
+// they went in `places` unless it is null (nothing larger is being kept), and enters its visited
+// nodes as the writing did.
+void RenderTemplate(const TreeTemplate& tree, NodeTreeState& state, std::vector<IdPlace>* places,
                     std::string& out);
 
 }  // namespace orvane

@@ -76,7 +76,7 @@ void AppendMaterialRecord(const WriteContext& context, NodeTreeState& state,
   if (const TreeTemplate* known = context.trees->byMaterial.Find(material)) {
     if (known->kept()) {
       ResetVisitedNodes(state);
-      RenderTemplate(*known, state, context.trees->idPlaces, out);
+      RenderTemplate(*known, state, nullptr, out);  // a whole record: nothing larger is kept
     } else {
       WriteMaterialRecord(context, state, *material, out);
     }

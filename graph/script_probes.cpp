@@ -69,29 +69,13 @@ std::optional<std::u16string> RunProbeScript(const WriteContext& context,
   return result.stringValue;
 }
 
-// Runs a probe script, or answers what it answered earlier in this build.
-std::optional<std::u16string> RunProbe(const WriteContext& context, const std::u16string& script) {
-  if (context.probes == nullptr) return RunProbeScript(context, script);
-  // One lookup whether or not the script ran before: a probe script is a kilobyte of text to hash.
-  auto [entry, isNew] = context.probes->byScript.try_emplace(script);
-  if (!isNew) return entry->second;
-  ++context.probes->runs;
-  try {
-    entry->second = RunProbeScript(context, script);
-  } catch (...) {
-    context.probes->byScript.erase(entry);  // a run that failed has no reply to keep
-    throw;
-  }
-  return entry->second;
-}
-
 std::optional<std::u16string> RunQuery(const WriteContext& context, const host::MtlBase& map,
                                        std::u16string_view variable, const ProbeSearch& search,
                                        std::u16string_view query) {
   if (map.SuperClassID() != host::TEXMAP_CLASS_ID) return std::nullopt;
   std::optional<std::u16string> locator = LocateMap(map, variable, search);
   if (!locator) return std::nullopt;
-  return RunProbe(context, u"(" + *locator + std::u16string(query));
+  return RunProbeScript(context, u"(" + *locator + std::u16string(query));
 }
 
 std::u16string FloatArray(const std::vector<float>& values) {

@@ -4,11 +4,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -23,14 +21,6 @@ class MtlBase;
 
 namespace orvane {
 
-// The replies of probe scripts, by script text. The scene does not change while one package is
-// written, so within a build each probe runs once however many trees share its map; inside the
-// host every run is a trip through the script interpreter.
-struct ProbeReplies {
-  std::unordered_map<std::u16string, std::optional<std::u16string>> byScript;
-  int runs = 0;  // scripts actually run
-};
-
 // The parameter members of one material or map as UTF-8: their texts one after the other, and
 // where each ends. One text rather than one per member, since a use reads them all.
 struct ParamMembers {
@@ -38,9 +28,10 @@ struct ParamMembers {
   std::vector<uint32_t> ends;
 };
 
-// The parameter members of each material and map (its class's parameters and output probe), by
-// object. For the same reason they are written once per build; node ids and references, which
-// depend on the tree, are not part of them.
+// The parameter members of each material and map (its class's parameters and probe replies), by
+// object. The scene does not change while one package is written, so within a build they are
+// written once however many trees share the object: inside the host every probe is a trip through
+// the script interpreter. Node ids and references, which depend on the tree, are not part of them.
 struct ParamFragments {
   FlatMap<const host::MtlBase*, ParamMembers> byObject;
 };
@@ -123,7 +114,6 @@ struct TreeTemplates {
 struct WriteContext {
   host::Interface& scene;
   host::TimeValue time = 0;
-  ProbeReplies* probes = nullptr;    // null: every probe runs
   ParamFragments* params = nullptr;  // null: parameters are written afresh every time
   TreeTemplates* trees = nullptr;    // null: every tree is written afresh
 };

@@ -247,11 +247,9 @@ std::u16string LogPathFor(std::u16string_view documentPath) {
 BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, NodeTreeState& state,
                          std::u16string_view documentPath) {
   NumericLocaleGuard numbers;
-  ProbeReplies probes;
   ParamFragments params;
   TreeTemplates trees;
   WriteContext context{caller.scene, caller.time,
-                       caller.probes != nullptr ? caller.probes : &probes,
                        caller.params != nullptr ? caller.params : &params,
                        caller.trees != nullptr ? caller.trees : &trees};
   Log log;

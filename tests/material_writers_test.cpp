@@ -312,7 +312,7 @@ TEST(NodeTree, ATreeWrittenFromItsTemplateEqualsOneWrittenAfresh) {
                {"c", 2, true},     {"d", 2, true}, {"e", 2, false},    {"c", 2, false},
                {"d", 2, true},     {"f", 2, true}, {"f", 2, true}};
   TreeTemplates templates;
-  WriteContext cached{scene, 0, nullptr, nullptr, &templates};
+  WriteContext cached{scene, 0, nullptr, &templates};
   WriteContext afresh{scene, 0};
   NodeTreeState cachedState, afreshState;
   for (const auto& [root, depth, freshStart] : order) {
@@ -348,7 +348,7 @@ TEST(NodeTree, ARecordWrittenFromItsTemplateEqualsOneWrittenAfresh) {
   auto material = [&](const char* id) { return dynamic_cast<host::Mtl*>(scene.FindById(id)); };
   const char* order[] = {"multi", "a", "multi", "b", "a", "multi", "b"};
   TreeTemplates templates;
-  WriteContext cached{scene, 0, nullptr, nullptr, &templates};
+  WriteContext cached{scene, 0, nullptr, &templates};
   WriteContext afresh{scene, 0};
   NodeTreeState cachedState, afreshState;
   std::vector<std::u16string> errors;

@@ -21,6 +21,8 @@ class IdTable {
   // A second entry under the same id replaces the first.
   void Set(std::string_view id, Animatable* animatable);
   Animatable* Find(std::string_view id) const;
+  // Asks for the slot of `id` to be brought near, for a lookup a little later.
+  void Prefetch(std::string_view id) const { entries_.PrefetchSlot(KeyOf(id)); }
   // Removes the entry under `id` if it is `animatable`'s.
   void Erase(std::string_view id, const Animatable* animatable);
 

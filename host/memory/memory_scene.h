@@ -401,6 +401,7 @@ class MemScene final : public Interface, public IFileResolutionManager {
   void ReserveIds(size_t count) { byId_.Reserve(count); }
   // Any animatable by its scene-file id, or null (a mesh converted since has none to find).
   Animatable* FindById(const std::string& id) const;
+  void PrefetchId(std::string_view id) const { byId_.Prefetch(id); }
   // Gives every animatable whose handle was not given the next free one.
   void AssignMissingHandles();
   // Registers the handles given so far for GetAnimByHandle.

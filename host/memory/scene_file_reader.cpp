@@ -141,7 +141,10 @@ class Loader {
     if (!list) return;
     JsonPath listPath = top.PathOf(listKey);
     RequireArray(*list, listPath);
-    for (auto [i, item] : list->Elements()) {
+    JsonElements items = list->Elements();
+    JsonElements::Iterator ahead = StartIdLookahead(items);
+    for (auto [i, item] : items) {
+      PrefetchIdAhead(ahead, items);
       auto fields = std::make_unique<Fields>(item, Element(listPath, i), allowed);
       std::string id = ReadId(*fields);
       T* entity = make(std::move(id));
@@ -153,7 +156,10 @@ class Loader {
     std::optional<JsonValue> list = top.Find("objects");
     if (!list) return;
     RequireArray(*list, "objects");
-    for (auto [i, item] : list->Elements()) {
+    JsonElements items = list->Elements();
+    JsonElements::Iterator ahead = StartIdLookahead(items);
+    for (auto [i, item] : items) {
+      PrefetchIdAhead(ahead, items);
       JsonPath path = Element("objects", i);
       if (item.IsObject() && item.Find("derived")) {
         auto fields =
@@ -171,6 +177,25 @@ class Loader {
         objects_.back().first = std::move(fields);
       }
     }
+  }
+
+  // Every id declared is looked up in a table far larger than the caches, one wait for memory
+  // per entity: the slot of the id a few entities ahead is asked for while this one is read.
+  static constexpr int kIdsAhead = 8;
+  JsonElements::Iterator StartIdLookahead(const JsonElements& items) const {
+    JsonElements::Iterator ahead = items.begin();
+    for (int i = 0; i < kIdsAhead; ++i)
+      PrefetchIdAhead(ahead, items);
+    return ahead;
+  }
+  void PrefetchIdAhead(JsonElements::Iterator& ahead, const JsonElements& items) const {
+    if (!(ahead != items.end())) return;
+    JsonValue item = (*ahead).value;
+    if (item.IsObject()) {
+      std::optional<JsonValue> id = item.Find("id");
+      if (id && id->IsString()) scene_->PrefetchId(id->String());
+    }
+    ++ahead;
   }
 
   std::string ReadId(const Fields& fields) {

@@ -722,6 +722,7 @@ class Loader {
   void CheckChains(const Declared<T>& declared, Next next, const std::string& key,
                    const std::string& what) {
     FlatMap<Link, bool> leadsOut;  // false while the link is on the current path
+    leadsOut.Reserve(declared.size());
     std::vector<Link> path;
     for (const auto& [fields, start] : declared) {
       path.clear();
@@ -759,6 +760,8 @@ class Loader {
 
   void CheckHandles() {
     FlatMap<AnimHandle, const Fields*> firstUse;
+    firstUse.Reserve(nodes_.size() + objects_.size() + derived_.size() + modifiers_.size() +
+                     materials_.size() + maps_.size());
     auto check = [&](const auto& declared) {
       for (const auto& [fields, entity] : declared) {
         const AnimatableData& data = entity->data;

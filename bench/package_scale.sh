@@ -23,6 +23,7 @@ awk '$1 ~ /scene-10k/ {t10=$4; f10=$5} $1 ~ /scene-100k/ {t100=$4; f100=$5}
 
 best=""
 for _ in $(seq "${REPEAT:-3}"); do
+  rm -rf "$work/command"  # a new package each run, as for the builds above
   /usr/bin/time -f "%e %M" -o "$work/time" build/release/orvane package "$work/scene-100k.scene.json" \
     -o "$work/command/1.json" >/dev/null
   read -r seconds kib <"$work/time"

@@ -1,5 +1,6 @@
-// Times BuildPackage on scene files and reports the builder's own peak memory against the size
-// of the package it wrote. Usage: package_bench [--repeat N] OUTPUT_FOLDER SCENE... ; with
+// Times BuildPackage on scene files and reports the builder's own peak memory (the most it held
+// through operator new beyond what the loaded scene held) against the size of the package it
+// wrote. Usage: package_bench [--repeat N] OUTPUT_FOLDER SCENE... ; with
 // "--boxes N" as a scene, a scene of N objects all named "Box" is built in memory instead. Each
 // build runs N times on a freshly loaded scene; the fastest run is reported, since wall time on a
 // shared machine only ever errs upwards. Two floors are measured in the same run: the writer floor,
@@ -7,8 +8,6 @@
 // escaped, numbers formatted, the rest copied) and write it, and the copy floor, what it needs
 // to append the package's own bytes record-sized piece by piece and write them. "x writer" and
 // "x copy" are the build against each.
-#include <malloc.h>
-
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -16,8 +15,9 @@
 #include <iostream>
 #include <string>
 
-#include "base/huge_pages.h"
+#include "base/process_heap.h"
 #include "bench/json_writer_floor.h"
+#include "bench/live_heap.h"
 #include "host/local_file_system.h"
 #include "host/memory/scene_file.h"
 #include "package/package_builder.h"
@@ -26,20 +26,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace orvane;
-
-// The process's resident set and its high-water mark, in KiB.
-long StatusKib(const char* field) {
-  std::ifstream status("/proc/self/status");
-  std::string line;
-  while (std::getline(status, line)) {
-    if (line.rfind(field, 0) == 0) return std::stol(line.substr(std::string(field).size()));
-  }
-  return -1;
-}
-
-void ResetPeak() {
-  std::ofstream("/proc/self/clear_refs") << "5";
-}
 
 std::unique_ptr<host::memory::MemScene> Boxes(int count) {
   std::string nodes;
@@ -101,16 +87,15 @@ Measurement BuildOnce(host::memory::MemScene& scene, const fs::path& document) {
   // The build and both floors each write a new file: replacing one would add the file system's
   // work of letting go of the old one (tens of milliseconds for 176 MB) to some of them only.
   fs::remove(document);
-  malloc_trim(0);  // what loading freed must not count as the builder's
-  long before = StatusKib("VmRSS:");
-  ResetPeak();
+  size_t before = bench::LiveHeapBytes();
+  bench::ResetPeakHeapBytes();
   auto start = std::chrono::steady_clock::now();
   NodeTreeState state;
   BuildResult result =
       BuildPackage(WriteContext{scene, scene.GetTime()}, scene.files, state, document.u16string());
   Measurement measured;
   measured.seconds = Seconds(start);
-  measured.builderMb = static_cast<double>(StatusKib("VmHWM:") - before) * 1024 / 1e6;
+  measured.builderMb = static_cast<double>(bench::PeakHeapBytes() - before) / 1e6;
   measured.packageMb = static_cast<double>(fs::file_size(document)) / 1e6;
   measured.objects = result.objectCount;
   fs::path scratch = document;
@@ -127,7 +112,7 @@ Measurement BuildOnce(host::memory::MemScene& scene, const fs::path& document) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  RestartWithHugePageHeap(argv);  // as the orvane tool does, so both measure one heap
+  PrepareProcessHeap(argv);  // as the orvane tool does, so both measure one heap
   std::vector<std::string> args(argv + 1, argv + argc);
   int repeat = 1;
   if (args.size() >= 2 && args[0] == "--repeat") {

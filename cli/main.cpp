@@ -3,12 +3,12 @@
 #include <string>
 #include <vector>
 
-#include "base/huge_pages.h"
+#include "base/process_heap.h"
 #include "cli/commands.h"
 #include "cli/scene_disposal.h"
 
 int main(int argc, char** argv) {
-  orvane::RestartWithHugePageHeap(argv);
+  orvane::PrepareProcessHeap(argv);
   orvane::cli::EndProcessAfterCommand();
   return orvane::cli::RunOrvane({argv + 1, argv + argc}, std::cout, std::cerr);
 }

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "host/memory/scene_file.h"
 #include "tests/temp_folder.h"
 
 namespace orvane {
@@ -66,6 +67,21 @@ TEST(FileBytes, AFileCutShortWhileMappedReadsAsZerosAndSaysSo) {
   bytes.Release();
   EXPECT_TRUE(bytes.bytes().empty());
   EXPECT_TRUE(bytes.CutShort()) << "still known once the bytes are let go of";
+}
+
+// A text of many megabytes is read by two threads while it is parsed, the second from the end:
+// a cut under either of them reads as zeros, so the parse fails on them instead of the process.
+TEST(FileBytes, ALargeTextCutShortWhileParsedFailsTheParseOnly) {
+  TempFolder folder("orvane-mapped");
+  std::string text =
+      R"({"format": "orvane-scene/1", "nodes": [)" + std::string(9 << 20, ' ') + "]}";
+  folder.Write("scene.json", text);
+  host::FileBytes bytes = OpenOrFail(folder.path / "scene.json");
+  fs::resize_file(folder.path / "scene.json", 4096);
+  host::memory::SceneLoadResult result =
+      host::memory::LoadSceneText(bytes.bytes(), folder.path, kPadding);
+  EXPECT_EQ(result.scene, nullptr);
+  EXPECT_TRUE(bytes.CutShort());
 }
 #endif
 

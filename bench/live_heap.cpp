@@ -62,13 +62,13 @@ using orvane::bench::Allocate;
 using orvane::bench::AllocateAligned;
 using orvane::bench::Release;
 
+// The library's nothrow forms call these, so what they allocate is counted too.
 void* operator new(size_t bytes) {
   return Allocate(bytes);
 }
 void* operator new[](size_t bytes) {
   return Allocate(bytes);
 }
-// The nothrow forms of the library call these.
 void* operator new(size_t bytes, std::align_val_t alignment) {
   return AllocateAligned(bytes, alignment);
 }

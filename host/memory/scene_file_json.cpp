@@ -15,7 +15,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/wide_text.h"
-#include "host/page_reader.h"
+#include "host/memory/page_reader.h"
 
 namespace orvane::host::memory {
 
@@ -281,7 +281,7 @@ std::optional<JsonDocument> ParseFast(std::string_view text, size_t readableBeyo
   simdjson::dom::parser parser;
   simdjson::dom::element root;
   bool padded = readableBeyond >= simdjson::SIMDJSON_PADDING;
-  host::BackwardPageReader warmer(text);
+  BackwardPageReader warmer(text);
   if (parser.parse(text.data(), text.size(), !padded).get(root) != simdjson::SUCCESS) {
     return std::nullopt;
   }

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <thread>
 
-namespace orvane::host {
+namespace orvane::host::memory {
 
 // Reads one byte of each page of `bytes` on a thread of its own, from the last page towards the
 // first, while the caller reads from the first: the two meet halfway and share the trips. Stops
@@ -26,4 +26,4 @@ class BackwardPageReader {
   std::thread thread_;
 };
 
-}  // namespace orvane::host
+}  // namespace orvane::host::memory

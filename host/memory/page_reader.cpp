@@ -1,8 +1,8 @@
-#include "host/page_reader.h"
+#include "host/memory/page_reader.h"
 
 #include <system_error>
 
-namespace orvane::host {
+namespace orvane::host::memory {
 
 BackwardPageReader::BackwardPageReader(std::string_view bytes) {
   // A thread costs more than it could save on a text of a few megabytes.
@@ -26,4 +26,4 @@ BackwardPageReader::~BackwardPageReader() {
   if (thread_.joinable()) thread_.join();
 }
 
-}  // namespace orvane::host
+}  // namespace orvane::host::memory

@@ -14,6 +14,12 @@ namespace orvane::host {
 class ByteSink {
  public:
   virtual void Write(std::string_view bytes) = 0;
+  // Writes a whole block and leaves `block` empty for the next one. A sink that writes on another
+  // thread keeps the block and gives back a buffer it has finished with instead of copying.
+  virtual void WriteBlock(std::string& block) {
+    Write(block);
+    block.clear();
+  }
 
  protected:
   ~ByteSink() = default;

@@ -6,6 +6,7 @@
 #include "base/wide_text.h"
 #include "host/copy_replacing.h"
 #include "host/file_read.h"
+#include "host/overlapped_file_sink.h"
 
 namespace orvane::host {
 
@@ -41,22 +42,13 @@ std::optional<std::string> LocalFileSystem::ReadBytes(std::u16string_view path,
 
 namespace {
 
-class StreamSink final : public ByteSink {
- public:
-  explicit StreamSink(std::ofstream& out) : out_(out) {}
-  void Write(std::string_view bytes) override {
-    out_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  }
-
- private:
-  std::ofstream& out_;
-};
-
 bool WriteInPlace(const fs::path& file, const std::function<void(ByteSink&)>& produce) {
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   if (!out) return false;
-  StreamSink sink(out);
-  produce(sink);
+  {
+    OverlappedFileSink sink(out);
+    produce(sink);
+  }  // every block is written once the sink is gone
   out.close();
   return !out.fail();
 }

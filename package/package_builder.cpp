@@ -25,12 +25,12 @@ using Log = std::vector<std::u16string>;
 
 // The package goes to its file a block at a time as it is produced. Held whole, it would be
 // hundreds of megabytes of fresh memory, and on a virtual machine first touching fresh memory
-// costs more than writing the file; one block, written again and again, stays in the cache.
+// costs more than writing the file; a few blocks, filled again and again, stay in the cache.
 // Records are written straight into the block and handed on only whole, so that a record can
 // still be rewritten while it is being written.
 class BlockWriter {
  public:
-  explicit BlockWriter(host::ByteSink& sink) : sink_(sink) { block_.reserve(2 * kBlockBytes); }
+  explicit BlockWriter(host::ByteSink& sink) : sink_(sink) { block_.reserve(kRoom); }
 
   std::string& text() { return block_; }
 
@@ -40,12 +40,13 @@ class BlockWriter {
   }
 
   void Flush() {
-    sink_.Write(block_);
-    block_.clear();
+    sink_.WriteBlock(block_);
+    block_.reserve(kRoom);  // the buffer given back may be a new one
   }
 
  private:
   static constexpr size_t kBlockBytes = 1 << 20;
+  static constexpr size_t kRoom = 2 * kBlockBytes;  // a block and its last record
   host::ByteSink& sink_;
   std::string block_;
 };

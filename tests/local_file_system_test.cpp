@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tests/temp_folder.h"
@@ -41,18 +42,51 @@ TEST(LocalFileSystem, WritingReplacesTheFileAndLeavesNothingElse) {
   EXPECT_EQ(FolderEntries(folder.path), std::vector<fs::path>{"1.json"});
 }
 
-TEST(LocalFileSystem, AProducerThatThrowsLeavesTheOldFileWholeAndNothingElse) {
+// Bytes reach a sink as pieces it writes before returning, or as whole blocks it may write on
+// a second thread; a write must end the same either way.
+using Hand = void (*)(host::ByteSink&, std::string);
+const std::pair<const char*, Hand> kHands[] = {
+    {"pieces", [](host::ByteSink& sink, std::string bytes) { sink.Write(bytes); }},
+    {"blocks", [](host::ByteSink& sink, std::string bytes) { sink.WriteBlock(bytes); }},
+};
+
+TEST(LocalFileSystem, BlocksHandedOverReachTheFileInOrderWithThePiecesBetween) {
   TempFolder folder("orvane-files");
-  folder.Write("1.json", "the package of the last send");
   host::LocalFileSystem files;
-  auto failHalfWay = [](host::ByteSink& sink) {
-    sink.Write(std::string(1 << 20, 'x'));
-    throw std::runtime_error("a material broke");
-  };
-  EXPECT_THROW(files.WriteStreamed((folder.path / "1.json").u16string(), failHalfWay),
-               std::runtime_error);
-  EXPECT_EQ(FileContents(folder.path / "1.json"), "the package of the last send");
-  EXPECT_EQ(FolderEntries(folder.path), std::vector<fs::path>{"1.json"});
+  std::string expected;
+  ASSERT_TRUE(files.WriteStreamed((folder.path / "1.json").u16string(), [&](host::ByteSink& sink) {
+    sink.Write("[");
+    expected = "[";
+    for (int i = 0; i < 64; ++i) {
+      std::string block(1000 + 37 * i, static_cast<char>('a' + i % 26));
+      expected += block;
+      sink.WriteBlock(block);
+      EXPECT_TRUE(block.empty()) << "block " << i;
+      if (i % 5 == 0) {
+        sink.Write(std::to_string(i));
+        expected += std::to_string(i);
+      }
+    }
+  }));
+  EXPECT_EQ(FileContents(folder.path / "1.json"), expected);
+}
+
+TEST(LocalFileSystem, AProducerThatThrowsLeavesTheOldFileWholeAndNothingElse) {
+  for (auto [name, hand] : kHands) {
+    SCOPED_TRACE(name);
+    TempFolder folder("orvane-files");
+    folder.Write("1.json", "the package of the last send");
+    host::LocalFileSystem files;
+    auto failHalfWay = [hand](host::ByteSink& sink) {
+      for (int i = 0; i < 8; ++i)
+        hand(sink, std::string(128 << 10, 'x'));
+      throw std::runtime_error("a material broke");
+    };
+    EXPECT_THROW(files.WriteStreamed((folder.path / "1.json").u16string(), failHalfWay),
+                 std::runtime_error);
+    EXPECT_EQ(FileContents(folder.path / "1.json"), "the package of the last send");
+    EXPECT_EQ(FolderEntries(folder.path), std::vector<fs::path>{"1.json"});
+  }
 }
 
 TEST(LocalFileSystem, AFolderWhereTheFileShouldBeIsLeftAlone) {
@@ -99,18 +133,23 @@ TEST(LocalFileSystem, ALinkLeftWhereTheFileIsWrittenFirstLeadsNowhere) {
 }
 
 TEST(LocalFileSystem, AWriteThatRunsOutOfRoomKeepsTheOldFileWhole) {
-  TempFolder folder("orvane-files");
-  folder.Write("1.json", "the package of the last send");
-  host::LocalFileSystem files;
-  std::string large(1 << 20, 'x');
-  bool written = true;
-  {
-    FileSizeLimit limit(64 << 10);
-    written = files.WriteBytes((folder.path / "1.json").u16string(), large);
+  for (auto [name, hand] : kHands) {
+    SCOPED_TRACE(name);
+    TempFolder folder("orvane-files");
+    folder.Write("1.json", "the package of the last send");
+    host::LocalFileSystem files;
+    bool written = true;
+    {
+      FileSizeLimit limit(64 << 10);
+      written = files.WriteStreamed((folder.path / "1.json").u16string(), [hand](auto& sink) {
+        for (int i = 0; i < 16; ++i)
+          hand(sink, std::string(64 << 10, 'x'));
+      });
+    }
+    EXPECT_FALSE(written);
+    EXPECT_EQ(FileContents(folder.path / "1.json"), "the package of the last send");
+    EXPECT_EQ(FolderEntries(folder.path), std::vector<fs::path>{"1.json"});
   }
-  EXPECT_FALSE(written);
-  EXPECT_EQ(FileContents(folder.path / "1.json"), "the package of the last send");
-  EXPECT_EQ(FolderEntries(folder.path), std::vector<fs::path>{"1.json"});
 }
 #endif
 

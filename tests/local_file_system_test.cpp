@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "tests/temp_folder.h"
@@ -42,13 +42,34 @@ TEST(LocalFileSystem, WritingReplacesTheFileAndLeavesNothingElse) {
   EXPECT_EQ(FolderEntries(folder.path), std::vector<fs::path>{"1.json"});
 }
 
-// Bytes reach a sink as pieces it writes before returning, or as whole blocks it may write on
-// a second thread; a write must end the same either way.
-using Hand = void (*)(host::ByteSink&, std::string);
-const std::pair<const char*, Hand> kHands[] = {
-    {"pieces", [](host::ByteSink& sink, std::string bytes) { sink.Write(bytes); }},
-    {"blocks", [](host::ByteSink& sink, std::string bytes) { sink.WriteBlock(bytes); }},
+// A write over the last send's package that fails must leave that package whole and nothing
+// beside it, whether the producer hands its bytes over as pieces the sink writes before
+// returning or as whole blocks it may write on a second thread.
+class FailedWriteOverLastPackage : public ::testing::TestWithParam<bool> {
+ protected:
+  void SetUp() override { folder_.Write("1.json", "the package of the last send"); }
+
+  bool Write(std::function<void(host::ByteSink&)> produce) {
+    return files_.WriteStreamed((folder_.path / "1.json").u16string(), produce);
+  }
+  void Hand(host::ByteSink& sink, std::string bytes) const {
+    if (GetParam()) {
+      sink.WriteBlock(bytes);
+    } else {
+      sink.Write(bytes);
+    }
+  }
+  void ExpectTheLastPackageAlone() const {
+    EXPECT_EQ(FileContents(folder_.path / "1.json"), "the package of the last send");
+    EXPECT_EQ(FolderEntries(folder_.path), std::vector<fs::path>{"1.json"});
+  }
+
+ private:
+  TempFolder folder_{"orvane-files"};
+  host::LocalFileSystem files_;
 };
+INSTANTIATE_TEST_SUITE_P(Hands, FailedWriteOverLastPackage, ::testing::Bool(),
+                         [](const auto& hand) { return hand.param ? "blocks" : "pieces"; });
 
 TEST(LocalFileSystem, BlocksHandedOverReachTheFileInOrderWithThePiecesBetween) {
   TempFolder folder("orvane-files");
@@ -71,22 +92,14 @@ TEST(LocalFileSystem, BlocksHandedOverReachTheFileInOrderWithThePiecesBetween) {
   EXPECT_EQ(FileContents(folder.path / "1.json"), expected);
 }
 
-TEST(LocalFileSystem, AProducerThatThrowsLeavesTheOldFileWholeAndNothingElse) {
-  for (auto [name, hand] : kHands) {
-    SCOPED_TRACE(name);
-    TempFolder folder("orvane-files");
-    folder.Write("1.json", "the package of the last send");
-    host::LocalFileSystem files;
-    auto failHalfWay = [hand](host::ByteSink& sink) {
-      for (int i = 0; i < 8; ++i)
-        hand(sink, std::string(128 << 10, 'x'));
-      throw std::runtime_error("a material broke");
-    };
-    EXPECT_THROW(files.WriteStreamed((folder.path / "1.json").u16string(), failHalfWay),
-                 std::runtime_error);
-    EXPECT_EQ(FileContents(folder.path / "1.json"), "the package of the last send");
-    EXPECT_EQ(FolderEntries(folder.path), std::vector<fs::path>{"1.json"});
-  }
+TEST_P(FailedWriteOverLastPackage, AProducerThatThrows) {
+  EXPECT_THROW(Write([this](host::ByteSink& sink) {
+                 for (int i = 0; i < 8; ++i)
+                   Hand(sink, std::string(128 << 10, 'x'));
+                 throw std::runtime_error("a material broke");
+               }),
+               std::runtime_error);
+  ExpectTheLastPackageAlone();
 }
 
 TEST(LocalFileSystem, AFolderWhereTheFileShouldBeIsLeftAlone) {
@@ -132,24 +145,17 @@ TEST(LocalFileSystem, ALinkLeftWhereTheFileIsWrittenFirstLeadsNowhere) {
   EXPECT_FALSE(fs::exists(fs::symlink_status(folder.path / "1.json.writing")));
 }
 
-TEST(LocalFileSystem, AWriteThatRunsOutOfRoomKeepsTheOldFileWhole) {
-  for (auto [name, hand] : kHands) {
-    SCOPED_TRACE(name);
-    TempFolder folder("orvane-files");
-    folder.Write("1.json", "the package of the last send");
-    host::LocalFileSystem files;
-    bool written = true;
-    {
-      FileSizeLimit limit(64 << 10);
-      written = files.WriteStreamed((folder.path / "1.json").u16string(), [hand](auto& sink) {
-        for (int i = 0; i < 16; ++i)
-          hand(sink, std::string(64 << 10, 'x'));
-      });
-    }
-    EXPECT_FALSE(written);
-    EXPECT_EQ(FileContents(folder.path / "1.json"), "the package of the last send");
-    EXPECT_EQ(FolderEntries(folder.path), std::vector<fs::path>{"1.json"});
+TEST_P(FailedWriteOverLastPackage, RunningOutOfRoom) {
+  bool written = true;
+  {
+    FileSizeLimit limit(64 << 10);
+    written = Write([this](host::ByteSink& sink) {
+      for (int i = 0; i < 16; ++i)
+        Hand(sink, std::string(64 << 10, 'x'));
+    });
   }
+  EXPECT_FALSE(written);
+  ExpectTheLastPackageAlone();
 }
 #endif
 

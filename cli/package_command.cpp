@@ -30,7 +30,7 @@ int RunPackage(const std::vector<std::string>& args, std::ostream& out, std::ost
       BuildPackage(WriteContext{scene, scene.GetTime()}, scene.files, state, document);
   if (!result.success) {
     err << "orvane: cannot write the package to " << flags.Get("-o")
-        << ": the path is not a writable file (nothing written)\n";
+        << ": the path is not a writable file, or the disk is full (nothing written)\n";
     return kExitFailure;
   }
   out << "package: " << flags.Get("-o") << "\nlog: " << ToUtf8(LogPathFor(document))

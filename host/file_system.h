@@ -20,6 +20,9 @@ class ByteSink {
     Write(block);
     block.clear();
   }
+  // True once a write has failed (a full disk): nothing handed over since reaches the file, so a
+  // producer may stop early. A sink writing on another thread may tell a little late.
+  virtual bool Failed() const = 0;
 
  protected:
   ~ByteSink() = default;

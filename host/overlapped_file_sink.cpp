@@ -17,7 +17,7 @@ OverlappedFileSink::~OverlappedFileSink() {
 
 void OverlappedFileSink::Write(std::string_view bytes) {
   if (!writer_.joinable()) {
-    out_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    WriteToFile(bytes);
     return;
   }
   std::string block(bytes);
@@ -58,11 +58,17 @@ void OverlappedFileSink::WriteHandedOver() {
     waiting_ = false;
     lock.unlock();
     changed_.notify_all();
-    // After a failed write the stream writes nothing more, and its state tells the owner.
-    out_.write(writing.data(), static_cast<std::streamsize>(writing.size()));
+    WriteToFile(writing);
     writing.clear();
     lock.lock();
   }
+}
+
+// After a failed write the stream writes nothing more, and its state tells the owner once the
+// sink is gone; the flag tells the producer now.
+void OverlappedFileSink::WriteToFile(std::string_view bytes) {
+  out_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (out_.fail()) failed_.store(true, std::memory_order_relaxed);
 }
 
 }  // namespace orvane::host

@@ -1,6 +1,7 @@
 // A sink into an open file that writes whole blocks on a second thread.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <fstream>
 #include <mutex>
@@ -26,10 +27,13 @@ class OverlappedFileSink final : public ByteSink {
 
   void Write(std::string_view bytes) override;
   void WriteBlock(std::string& block) override;
+  bool Failed() const override { return failed_.load(std::memory_order_relaxed); }
 
  private:
   bool StartWriter();
   void WriteHandedOver();  // the second thread
+  // On whichever thread writes: this one until the writer starts, the writer after.
+  void WriteToFile(std::string_view bytes);
 
   std::ofstream& out_;
   std::thread writer_;
@@ -40,6 +44,7 @@ class OverlappedFileSink final : public ByteSink {
   std::string handedOver_;
   bool waiting_ = false;
   bool finishing_ = false;
+  std::atomic<bool> failed_{false};
 };
 
 }  // namespace orvane::host

@@ -270,7 +270,10 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
     BlockWriter out(sink);
     AppendUtf8(out.text(), Header(color, unitScale, displacement, objectCount));
     RecordPrefetcher prefetcher(geometry, *context.trees);
+    // Once a write has failed (a full disk) the package is lost whatever follows, and the
+    // records still to come are not worth the user's wait.
     for (size_t i = 0; i < geometry.size(); ++i) {
+      if (sink.Failed()) return;
       prefetcher.Before(i);
       AppendObjectRecord(context, state, *geometry[i], log, out.text());
       out.text() += i + 1 < geometry.size() ? ",\n" : "\n";

@@ -88,6 +88,7 @@ TEST(LocalFileSystem, BlocksHandedOverReachTheFileInOrderWithThePiecesBetween) {
         expected += std::to_string(i);
       }
     }
+    EXPECT_FALSE(sink.Failed());
   }));
   EXPECT_EQ(FileContents(folder.path / "1.json"), expected);
 }
@@ -146,15 +147,19 @@ TEST(LocalFileSystem, ALinkLeftWhereTheFileIsWrittenFirstLeadsNowhere) {
 }
 
 TEST_P(FailedWriteOverLastPackage, RunningOutOfRoom) {
-  bool written = true;
+  bool written = true, told = false;
   {
     FileSizeLimit limit(64 << 10);
-    written = Write([this](host::ByteSink& sink) {
+    written = Write([&](host::ByteSink& sink) {
       for (int i = 0; i < 16; ++i)
         Hand(sink, std::string(64 << 10, 'x'));
+      // Blocks go to the file on another thread, but by the sixteenth the second has been
+      // written, and has failed.
+      told = sink.Failed();
     });
   }
   EXPECT_FALSE(written);
+  EXPECT_TRUE(told);
   ExpectTheLastPackageAlone();
 }
 #endif

@@ -3,9 +3,11 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <stdexcept>
 
 #include "base/wide_text.h"
+#include "host/forwarding_file_system.h"
 #include "host/memory/scene_file.h"
 #include "lights/lights.h"
 #include "package/package_builder.h"
@@ -95,6 +97,56 @@ TEST(PackageBuilder, RenamesPastNineHundredNinetyNineGrowTheNumberAndStayInTheSc
   EXPECT_EQ(dynamic_cast<host::INode*>(scene->FindById("n999"))->GetName(), u"Box_999");
   EXPECT_EQ(dynamic_cast<host::INode*>(scene->FindById("n1001"))->GetName(), u"Box_1001");
   EXPECT_EQ(scene->renames.size(), 1001u);
+}
+
+// A disk that is full from the first block on: it counts what it is offered after that.
+class FullDisk final : public host::ForwardingFileSystem {
+ public:
+  using ForwardingFileSystem::ForwardingFileSystem;
+  size_t bytesOfferedAfterFailing = 0;
+
+  bool WriteStreamed(std::u16string_view,
+                     const std::function<void(host::ByteSink&)>& produce) override {
+    Sink sink(*this);
+    produce(sink);
+    return !sink.Failed();
+  }
+
+ private:
+  class Sink final : public host::ByteSink {
+   public:
+    explicit Sink(FullDisk& disk) : disk_(disk) {}
+    void Write(std::string_view bytes) override {
+      if (failed_) disk_.bytesOfferedAfterFailing += bytes.size();
+    }
+    void WriteBlock(std::string& block) override {
+      Write(block);
+      block.clear();
+      failed_ = true;
+    }
+    bool Failed() const override { return failed_; }
+
+   private:
+    FullDisk& disk_;
+    bool failed_ = false;
+  };
+};
+
+TEST(PackageBuilder, AFailedWriteEndsTheBuildAtOnce) {
+  std::string nodes;
+  for (int i = 0; i < 8000; ++i) {  // records for about three blocks
+    nodes += (i ? "," : "") + std::string(R"({"id": "n)") + std::to_string(i) +
+             R"(", "name": "Box)" + std::to_string(i) + R"(", "object": "o", "material": "m"})";
+  }
+  auto scene = Scene(nodes);
+  FullDisk disk(scene->files);
+  TempFolder folder("orvane-builder");
+  NodeTreeState state;
+  BuildResult result =
+      BuildPackage(WriteContext{*scene, 0}, disk, state, (folder.path / "1.json").u16string());
+  EXPECT_FALSE(result.success);
+  EXPECT_EQ(disk.bytesOfferedAfterFailing, 0u);
+  EXPECT_FALSE(fs::exists(folder.path / "1.log"));
 }
 
 TEST(PackageBuilder, TheLogLiesBesideTheDocument) {

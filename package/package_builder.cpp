@@ -285,7 +285,6 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
   log.push_back(u"Geometry objects with materials: " +
                 Decimal(static_cast<int64_t>(geometry.size())));
   RenameDuplicates(geometry, log);
-  PrepareMaterialRecords(context, geometry);
 
   ColorSettings color = QueryColorSettings(context.scene);
   double unitScale = SceneUnitScale(context.scene);
@@ -295,6 +294,8 @@ BuildResult BuildPackage(const WriteContext& caller, host::FileSystem& files, No
   // Records are written as UTF-8 straight into the file: the package is never held as wide
   // text, and no record is built twice.
   bool written = files.WriteStreamed(documentPath, [&](host::ByteSink& sink) {
+    // Only once the file is open: a path that cannot be written fails before any of this work.
+    PrepareMaterialRecords(context, geometry);
     BlockWriter out(sink);
     AppendUtf8(out.text(), Header(color, unitScale, displacement, objectCount));
     RecordPrefetcher prefetcher(geometry, *context.trees);

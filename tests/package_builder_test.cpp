@@ -30,16 +30,26 @@ std::unique_ptr<host::memory::MemScene> Scene(const std::string& nodes) {
   return std::move(loaded.scene);
 }
 
-TEST(PackageBuilder, AnUnwritablePathFailsAndWritesNoLog) {
-  auto scene = Scene(R"({"id": "a", "name": "Box", "object": "o", "material": "m"})");
+TEST(PackageBuilder, AnUnwritablePathFailsBeforeAnyMaterialIsWrittenAndWritesNoLog) {
+  auto loaded = host::memory::LoadSceneText(R"({"format": "orvane-scene/1",
+      "nodes": [{"id": "a", "name": "Box", "object": "o", "material": "m"}],
+      "objects": [{"id": "o", "class": "Box", "superClass": "geometry"}],
+      "materials": [{"id": "m", "class": "VRayMtl", "name": "M",
+                     "slots": [{"name": "diffuse", "map": "t"}]}],
+      "maps": [{"id": "t", "class": "Noise", "name": "noise"}]})",
+                                            ".");
+  ASSERT_TRUE(loaded.scene) << loaded.error;
+  auto& scene = *loaded.scene;
   TempFolder folder("orvane-builder");
   fs::path document = folder.path / "missing-folder" / "1.json";
   NodeTreeState state;
   BuildResult result =
-      BuildPackage(WriteContext{*scene, 0}, scene->files, state, document.u16string());
+      BuildPackage(WriteContext{scene, 0}, scene.files, state, document.u16string());
   EXPECT_FALSE(result.success);
   EXPECT_EQ(result.objectCount, 0);
   EXPECT_GT(result.logLineCount, 0);
+  for (const auto& run : scene.scriptsRun)
+    EXPECT_EQ(run.script.find(u"o = mp.output"), std::u16string::npos) << "the map was probed";
   EXPECT_FALSE(fs::exists(folder.path / "missing-folder"));
 }
 
